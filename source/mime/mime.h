@@ -1,0 +1,11 @@
+/* The MIME library: header-field values, entities and multipart bodies over the
+ * base runtime. Start it through mimeModule() before any other call. */
+#ifndef MIME_H
+#define MIME_H
+
+#include <mime/mime_api.h>
+#include <mime/mime_encode_flags.h>
+#include <mime/mime_flags.h>
+#include <mime/mime_module.h>
+
+#endif

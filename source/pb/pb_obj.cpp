@@ -1,0 +1,165 @@
+#include <pb/pb_module.h>
+#include <pb/pb_obj.hpp>
+#include <pb/pb_string.h>
+
+#include <atomic>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+
+namespace {
+
+// Heap objects created minus heap objects freed; read by the tests' leak check.
+constinit std::atomic<int64_t> liveObjects{0};
+
+extern "C" {
+static PB_STRING *pb___SortToStringFunc(PB_OBJ *obj) noexcept;
+static PB_STRING *pb___ModuleToStringFunc(PB_OBJ *obj) noexcept;
+}
+
+// Static records are objects too: their sort is one of these two.
+constinit const PB_SORT sortOfSorts = {PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), nullptr, "PB_SORT", nullptr,
+                                       nullptr, pb___SortToStringFunc, {}};
+constinit const PB_SORT sortOfModules = {PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), nullptr, "PB_MODULE", nullptr,
+                                         nullptr, pb___ModuleToStringFunc, {}};
+
+PB_STRING *pb___SortToStringFunc(PB_OBJ *obj) noexcept
+{
+    return pbStringCreateFromCstr(reinterpret_cast<const PB_SORT *>(obj)->name, -1);
+}
+
+PB_STRING *pb___ModuleToStringFunc(PB_OBJ *obj) noexcept
+{
+    const PB_MODULE_RECORD *record = reinterpret_cast<const PB_MODULE *>(obj)->record;
+    return pbStringCreateFromCstr(record ? record->moduleName : "", -1);
+}
+
+PB_INT identityOrder(const void *a, const void *b)
+{
+    if (a == b)
+        return 0;
+    return std::less<const void *>()(a, b) ? -1 : 1;
+}
+
+} // namespace
+
+const PB_SORT *pbObjSort(PB_OBJ *obj) noexcept
+{
+    PB_ASSERT( obj );
+    switch (pb::header(obj)->kind) {
+    case PB_OBJ_KIND_SORT:
+        return &sortOfSorts;
+    case PB_OBJ_KIND_MODULE:
+        return &sortOfModules;
+    default:
+        return pb::header(obj)->sort;
+    }
+}
+
+const char *pbSortName(const PB_SORT *sort) noexcept
+{
+    PB_ASSERT( sort );
+    return sort->name;
+}
+
+PB_OBJ *pbObjRetain(PB_OBJ *obj) noexcept
+{
+    if (obj)
+        pb::retain(obj);
+    return obj;
+}
+
+void pbObjRelease(PB_OBJ *obj) noexcept
+{
+    if (obj)
+        pb::release(obj);
+}
+
+PB_INT pbObjCompare(PB_OBJ *a, PB_OBJ *b) noexcept
+{
+    PB_ASSERT( a );
+    PB_ASSERT( b );
+    if (a == b)
+        return 0;
+    const PB_SORT *sortA = pbObjSort(a);
+    const PB_SORT *sortB = pbObjSort(b);
+    if (sortA != sortB) {
+        int byName = std::strcmp(sortA->name, sortB->name);
+        if (byName != 0)
+            return byName < 0 ? -1 : 1;
+        return identityOrder(sortA, sortB);
+    }
+    if (!sortA->compareFunc)
+        return identityOrder(a, b);
+    PB_INT result = sortA->compareFunc(a, b);
+    return result < 0 ? -1 : result > 0 ? 1 : 0;
+}
+
+PB_BOOL pbObjEquals(PB_OBJ *a, PB_OBJ *b) noexcept
+{
+    return pbObjCompare(a, b) == 0;
+}
+
+PB_STRING *pbObjToString(PB_OBJ *obj) noexcept
+{
+    PB_ASSERT( obj );
+    const PB_SORT *sort = pbObjSort(obj);
+    if (sort->toStringFunc)
+        return sort->toStringFunc(obj);
+    char text[128];
+    std::snprintf(text, sizeof text, "%s@%p", sort->name, static_cast<void *>(obj));
+    return pbStringCreateFromCstr(text, -1);
+}
+
+PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) noexcept
+{
+    PB_ASSERT( sort );
+    PB_ASSERT( size >= (PB_INT)sizeof(PB_OBJ_HEADER) );
+    auto *header = static_cast<PB_OBJ_HEADER *>(std::calloc(1, static_cast<size_t>(size)));
+    PB_ASSERT_MSG("out of memory", header);
+    header->kind = PB_OBJ_KIND_HEAP;
+    header->sort = sort;
+    header->size = size;
+    header->refCount = 1;
+    liveObjects.fetch_add(1, std::memory_order_relaxed);
+    return reinterpret_cast<PB_OBJ *>(header);
+}
+
+void pb___ObjFree(PB_OBJ *obj) noexcept
+{
+    PB_ASSERT( obj );
+    PB_OBJ_HEADER *header = pb::header(obj);
+    PB_ASSERT( header->kind == PB_OBJ_KIND_HEAP );
+    if (header->sort->freeFunc)
+        header->sort->freeFunc(obj);
+    std::memset(header, 0xfd, static_cast<size_t>(header->size));
+    std::free(header);
+    liveObjects.fetch_sub(1, std::memory_order_relaxed);
+}
+
+PB_INT pb___ObjLiveCount(void) noexcept
+{
+    return liveObjects.load(std::memory_order_relaxed);
+}
+
+PB_BOOL pbModuleStartup(const PB_MODULE *module) noexcept
+{
+    PB_ASSERT( module );
+    PB_ASSERT( module->header.kind == PB_OBJ_KIND_MODULE );
+    return module->startup ? module->startup() : PB_TRUE;
+}
+
+void pbModuleShutdown(const PB_MODULE *module) noexcept
+{
+    PB_ASSERT( module );
+    PB_ASSERT( module->header.kind == PB_OBJ_KIND_MODULE );
+    if (module->shutdown)
+        module->shutdown();
+}
+
+const PB_MODULE_RECORD *pbModuleRecord(const PB_MODULE *module) noexcept
+{
+    PB_ASSERT( module );
+    return module->record;
+}

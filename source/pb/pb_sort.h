@@ -1,0 +1,68 @@
+/* Layout of the runtime's static records: the object header, sort records and
+ * module objects. These layouts are read by the runtime and by the product's
+ * module loader, so every word is part of the interface. */
+#ifndef PB_SORT_H
+#define PB_SORT_H
+
+#include <pb/pb_api.h>
+#include <pb/pb_obj.h>
+#include <pb/pb_types.h>
+
+PB_BEGIN_DECLS
+
+/* The ten words that start every object. */
+typedef struct PB_OBJ_HEADER {
+    int64_t kind;            /* word 1: PB_OBJ_KIND_... */
+    const PB_SORT *sort;     /* word 2: sort of a heap object; 0 in static records */
+    int64_t size;            /* word 3: allocation size in bytes; -1 for static objects */
+    int64_t refCount;        /* word 4: reference count; changed atomically only */
+    int64_t reserved[6];     /* words 5-10: 0 */
+} PB_OBJ_HEADER;
+
+#define PB_OBJ_KIND_HEAP 0   /* created by pb___ObjCreate, freed at count 0 */
+#define PB_OBJ_KIND_SORT 1   /* a static sort record */
+#define PB_OBJ_KIND_MODULE 2 /* a static module object */
+
+/* Header of a static record: never freed; retain and release leave its count at 1. */
+#define PB_OBJ_HEADER_STATIC(kind) { (kind), 0, -1, 1, { 0, 0, 0, 0, 0, 0 } }
+
+typedef void (*PB_SORT_FREE_FUNC)(PB_OBJ *obj);
+typedef PB_INT (*PB_SORT_COMPARE_FUNC)(PB_OBJ *a, PB_OBJ *b);
+typedef PB_STRING *(*PB_SORT_TO_STRING_FUNC)(PB_OBJ *obj);
+
+/* Sort record: twenty words. */
+struct PB_SORT {
+    PB_OBJ_HEADER header;                /* PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT) */
+    const PB_MODULE *module;             /* owning module; null for the runtime's own sorts */
+    const char *name;                    /* NUL-terminated sort name */
+    PB_SORT_FREE_FUNC freeFunc;          /* releases the object's fields, or null */
+    PB_SORT_COMPARE_FUNC compareFunc;    /* total order on two objects of this sort, or null */
+    PB_SORT_TO_STRING_FUNC toStringFunc; /* new text of an object, or null */
+    const void *reserved[5];             /* null */
+};
+
+/* Returns the sort's name (static text). */
+PB_API const char *pbSortName(const PB_SORT *sort) PB_NOEXCEPT;
+
+PB_END_DECLS
+
+/* Declares the eight standard functions of a sort, as every sort has them:
+ *   Sort     the address of the static sort record
+ *   Retain   adds a reference and returns obj; obj must not be null
+ *   Release  drops a reference, freeing the object with the last; obj must not be null
+ *   Obj      the same pointer as a PB_OBJ (no check, no reference)
+ *   From     the same pointer as this type; null passes, another sort aborts
+ *   ToString a new string, pbObjToString(obj)
+ *   Compare  pbObjCompare(objA, objB); neither may be null
+ *   Equals   true when Compare gives 0 */
+#define PB_SORT_STDFUNCS_DECL(api, prefix, Name, TYPE) \
+    api const PB_SORT *prefix##Name##Sort(void) PB_NOEXCEPT; \
+    api TYPE *prefix##Name##Retain(TYPE *obj) PB_NOEXCEPT; \
+    api void prefix##Name##Release(TYPE *obj) PB_NOEXCEPT; \
+    api PB_OBJ *prefix##Name##Obj(TYPE *obj) PB_NOEXCEPT; \
+    api TYPE *prefix##Name##From(PB_OBJ *obj) PB_NOEXCEPT; \
+    api PB_STRING *prefix##Name##ToString(TYPE *obj) PB_NOEXCEPT; \
+    api PB_INT prefix##Name##Compare(TYPE *objA, TYPE *objB) PB_NOEXCEPT; \
+    api PB_BOOL prefix##Name##Equals(TYPE *objA, TYPE *objB) PB_NOEXCEPT;
+
+#endif

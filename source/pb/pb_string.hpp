@@ -1,0 +1,24 @@
+// Internal: direct access to string storage for the runtime's own writers
+// (format, character sets), so they fill a string without a copy.
+#pragma once
+
+#include <pb/pb_string.h>
+
+namespace pb::string {
+
+// A new string with room for capacity code points and length 0.
+PB_STRING *createWithCapacity(PB_INT capacity) noexcept;
+
+// Makes *s private and count code points longer; returns where they go.
+// The pointer is valid until the next change of *s.
+PB_CHAR *appendSpace(PB_STRING **s, PB_INT count) noexcept;
+
+// Shortens the private string *s to length code points.
+void truncate(PB_STRING **s, PB_INT length) noexcept;
+
+void appendFormat(PB_STRING **s, const char *format, PB_INT formatLength, va_list args) noexcept;
+
+// Appends UTF-8 text, ill-formed parts as U+FFFD.
+void appendUtf8(PB_STRING **s, const char *utf8, size_t length) noexcept;
+
+} // namespace pb::string

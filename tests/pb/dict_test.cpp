@@ -1,0 +1,122 @@
+// Dictionaries: key order (the order of parameters on the wire), lookups and
+// removal against std::map, scale, and text.
+#include "pb_text.hpp"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <map>
+#include <random>
+
+using namespace test;
+
+namespace {
+
+std::string keyAt(PB_DICT *d, PB_INT i) { return text(adopt(pbDictKeyAt(d, i)).get()); }
+std::string valueAt(PB_DICT *d, PB_INT i) { return text(adopt(pbDictValueAt(d, i)).get()); }
+
+void expectMatches(PB_DICT *d, const std::map<std::u32string, std::string> &model)
+{
+    ASSERT_EQ(pbDictLength(d), static_cast<PB_INT>(model.size()));
+    PB_INT i = 0;
+    for (const auto &[key, value] : model) {
+        Ref<PB_OBJ> k = adopt(pbDictKeyAt(d, i));
+        ASSERT_EQ(codePoints(pbStringFrom(k.get())), key) << "index " << i;
+        ASSERT_EQ(valueAt(d, i), value);
+        ++i;
+    }
+}
+
+TEST(Dict, IndexOrderIsCodePointOrderOfKeys)
+{
+    Ref<PB_DICT> d = adopt(pbDictCreate());
+    for (const char *key : {"title*0*", "title", "title*", "Title", "a", "\xc3\xa9", "title*1"})
+        pbDictSetStringKeyCstr(d.addr(), key, -1, pbStringObj(str(key).get()));
+    const char *expected[] = {"Title", "a", "title", "title*", "title*0*", "title*1", "\xc3\xa9"};
+    for (PB_INT i = 0; i < 7; ++i)
+        EXPECT_EQ(keyAt(d.get(), i), expected[i]);
+    EXPECT_EQ(text(pbDictObj(d.get())),
+              "{Title=Title, a=a, title=title, title*=title*, title*0*=title*0*, title*1=title*1, \xc3\xa9=\xc3\xa9}");
+}
+
+TEST(Dict, RandomOperationsMatchStdMap)
+{
+    std::mt19937 rng(3);
+    Ref<PB_DICT> d = adopt(pbDictCreate());
+    std::map<std::u32string, std::string> model;
+    for (int step = 0; step < 3000; ++step) {
+        std::u32string key(1 + rng() % 3, U'a');
+        for (char32_t &c : key)
+            c = U'a' + static_cast<char32_t>(rng() % 4);
+        Ref<PB_STRING> k = chars(key);
+        if (rng() % 3) {
+            std::string value = std::to_string(step);
+            pbDictSetStringKey(d.addr(), k.get(), pbStringObj(str(value).get()));
+            model[key] = value;
+        } else {
+            pbDictDelStringKey(d.addr(), k.get());
+            model.erase(key);
+        }
+        ASSERT_EQ(pbDictHasStringKey(d.get(), k.get()), model.count(key) == 1);
+        if (step % 97 == 0)
+            expectMatches(d.get(), model);
+    }
+    expectMatches(d.get(), model);
+}
+
+// Hostile input may bring 100,000 parameters in any order: insertion, lookup and
+// walking by index must stay O(n log n) in all (a quadratic map takes minutes).
+TEST(Dict, HundredThousandKeysInAnyOrder)
+{
+    constexpr int n = 100000;
+    std::vector<int> order(n);
+    for (int i = 0; i < n; ++i)
+        order[i] = i;
+    for (int pattern = 0; pattern < 3; ++pattern) {
+        if (pattern == 1)
+            std::reverse(order.begin(), order.end());
+        if (pattern == 2)
+            std::shuffle(order.begin(), order.end(), std::mt19937(5));
+        Ref<PB_DICT> d = adopt(pbDictCreate());
+        Ref<PB_STRING> value = str("v");
+        for (int i : order) {
+            char key[16];
+            snprintf(key, sizeof key, "k%07d", i);
+            pbDictSetStringKeyCstr(d.addr(), key, -1, pbStringObj(value.get()));
+        }
+        ASSERT_EQ(pbDictLength(d.get()), n);
+        for (PB_INT i = 0; i < n; i += 997) {
+            char key[16];
+            snprintf(key, sizeof key, "k%07d", static_cast<int>(i));
+            ASSERT_EQ(keyAt(d.get(), i), key);
+        }
+    }
+}
+
+TEST(Dict, ClearAndCompare)
+{
+    Ref<PB_DICT> a = adopt(pbDictCreate());
+    Ref<PB_DICT> b = adopt(pbDictCreate());
+    EXPECT_TRUE(pbDictEquals(a.get(), b.get()));
+    pbDictSetStringKeyCstr(a.addr(), "k", -1, pbStringObj(str("1").get()));
+    pbDictSetStringKeyCstr(b.addr(), "k", -1, pbStringObj(str("2").get()));
+    EXPECT_LT(pbDictCompare(a.get(), b.get()), 0);
+    pbDictSetStringKeyCstr(b.addr(), "k", -1, pbStringObj(str("1").get()));
+    EXPECT_TRUE(pbDictEquals(a.get(), b.get()));
+    Ref<PB_DICT> kept = pb::retained(a.get());
+    pbDictClear(a.addr());
+    EXPECT_EQ(pbDictLength(a.get()), 0);
+    EXPECT_EQ(pbDictLength(kept.get()), 1);
+    EXPECT_LT(pbDictCompare(a.get(), kept.get()), 0) << "a prefix orders first";
+    EXPECT_EQ(pbDictStringKeyCstr(a.get(), "k", -1), nullptr);
+}
+
+TEST(Dict, SettingADictIntoItselfMakesNoCycle)
+{
+    Ref<PB_DICT> d = adopt(pbDictCreate());
+    pbDictSetStringKeyCstr(d.addr(), "self", -1, pbDictObj(d.get()));
+    Ref<PB_OBJ> inner = adopt(pbDictStringKeyCstr(d.get(), "self", -1));
+    EXPECT_EQ(pbDictLength(pbDictFrom(inner.get())), 0); // the value is the dictionary as it was
+}
+
+} // namespace
