@@ -13,13 +13,13 @@
 #define PB_BEGIN_DECLS extern "C" {
 #define PB_END_DECLS }
 #define PB_NOEXCEPT noexcept
-#define PB_NORETURN [[noreturn]]
 #else
 #define PB_BEGIN_DECLS
 #define PB_END_DECLS
 #define PB_NOEXCEPT
-#define PB_NORETURN _Noreturn
 #endif
+
+#define PB_NORETURN __attribute__((noreturn))
 
 #define PB_LIKELY(x) __builtin_expect(!!(x), 1)
 #define PB_UNLIKELY(x) __builtin_expect(!!(x), 0)
