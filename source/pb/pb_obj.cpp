@@ -133,7 +133,9 @@ void pb___ObjFree(PB_OBJ *obj) noexcept
     PB_ASSERT( header->kind == PB_OBJ_KIND_HEAP );
     if (header->sort->freeFunc)
         header->sort->freeFunc(obj);
-    std::memset(header, 0xfd, static_cast<size_t>(header->size));
+    // The free function poisoned the fields; poison the sort too, so that a use
+    // after free faults at its first look at the sort instead of reading on.
+    header->sort = pb::poison<const PB_SORT>();
     std::free(header);
     liveObjects.fetch_sub(1, std::memory_order_relaxed);
 }

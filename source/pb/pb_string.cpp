@@ -148,6 +148,7 @@ PB_STRING *pbStringCreate(void) noexcept
 
 PB_STRING *pbStringCreateFromCstr(const char *utf8, PB_INT length) noexcept
 {
+    PB_ASSERT( length >= -1 );
     PB_ASSERT( utf8 || length == 0 );
     size_t n = length < 0 ? std::strlen(utf8) : static_cast<size_t>(length);
     PB_ASSERT( n <= static_cast<size_t>(kMaxLength) );
@@ -158,6 +159,7 @@ PB_STRING *pbStringCreateFromCstr(const char *utf8, PB_INT length) noexcept
 
 PB_STRING *pbStringCreateFromWcstr(const wchar_t *text, PB_INT length) noexcept
 {
+    PB_ASSERT( length >= -1 );
     PB_ASSERT( text || length == 0 );
     size_t n = length < 0 ? std::wcslen(text) : static_cast<size_t>(length);
     PB_ASSERT( n <= static_cast<size_t>(kMaxLength) );
