@@ -8,7 +8,9 @@ target_compile_options(corvane_warnings INTERFACE
 # and only the names marked for export are visible.
 function(corvane_library target)
   target_link_libraries(${target} PRIVATE corvane_warnings)
-  target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>)
+  # Calls between a library's own exported functions go direct, not through the PLT.
+  target_compile_options(${target} PRIVATE $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions -fno-rtti>
+    -fno-semantic-interposition)
   set_target_properties(${target} PROPERTIES
     CXX_VISIBILITY_PRESET hidden
     C_VISIBILITY_PRESET hidden

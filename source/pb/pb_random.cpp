@@ -17,6 +17,20 @@ thread_local Generator generator{{0, 0, 0, 0}, 0};
 
 uint64_t rotl(uint64_t x, int k) { return (x << k) | (x >> (64 - k)); }
 
+// xoshiro256** step.
+uint64_t step(uint64_t *s)
+{
+    uint64_t result = rotl(s[1] * 5, 7) * 9;
+    uint64_t t = s[1] << 17;
+    s[2] ^= s[0];
+    s[3] ^= s[1];
+    s[1] ^= s[2];
+    s[0] ^= s[3];
+    s[2] ^= t;
+    s[3] = rotl(s[3], 45);
+    return result;
+}
+
 Generator &seeded()
 {
     pid_t pid = getpid();
@@ -49,16 +63,13 @@ void osBytes(void *out, unsigned long n) noexcept
 
 uint64_t next64() noexcept
 {
-    uint64_t *s = seeded().s;
-    uint64_t result = rotl(s[1] * 5, 7) * 9;
-    uint64_t t = s[1] << 17;
-    s[2] ^= s[0];
-    s[3] ^= s[1];
-    s[1] ^= s[2];
-    s[0] ^= s[3];
-    s[2] ^= t;
-    s[3] = rotl(s[3], 45);
-    return result;
+    return step(seeded().s);
+}
+
+uint64_t priority() noexcept
+{
+    Generator &g = generator.pid ? generator : seeded();
+    return step(g.s);
 }
 
 } // namespace pb::random

@@ -2,7 +2,7 @@
 #include <pb/pb_obj.hpp>
 #include <pb/pb_random.hpp>
 #include <pb/pb_sorted_map.hpp>
-#include <pb/pb_string.h>
+#include <pb/pb_string.hpp>
 
 #include <algorithm>
 #include <climits>
@@ -16,16 +16,14 @@ namespace {
 // Keys are nearly always strings: compare those without the generic dispatch.
 PB_INT keyOrder(PB_OBJ *a, PB_OBJ *b)
 {
-    if (pbObjSort(a) == pbStringSort() && pbObjSort(b) == pbStringSort()) {
-        PB_STRING *x = pbStringFrom(a);
-        PB_STRING *y = pbStringFrom(b);
-        const PB_CHAR *p = pbStringBacking(x);
-        const PB_CHAR *q = pbStringBacking(y);
-        PB_INT n = pbStringLength(x), k = pbStringLength(y);
-        auto mismatch = std::mismatch(p, p + std::min(n, k), q);
-        if (mismatch.first != p + std::min(n, k))
-            return *mismatch.first < *mismatch.second ? -1 : 1;
-        return n < k ? -1 : n > k ? 1 : 0;
+    if (PB_LIKELY(string::is(a) && string::is(b))) {
+        auto *x = reinterpret_cast<PB_STRING *>(a);
+        auto *y = reinterpret_cast<PB_STRING *>(b);
+        PB_INT n = std::min(x->length, y->length);
+        for (PB_INT i = 0; i < n; ++i)
+            if (x->chars[i] != y->chars[i])
+                return x->chars[i] < y->chars[i] ? -1 : 1;
+        return x->length < y->length ? -1 : x->length > y->length ? 1 : 0;
     }
     return pbObjCompare(a, b);
 }
@@ -202,7 +200,7 @@ int32_t mapInsert(Map &m, PB_OBJ *key) noexcept
     if (found >= 0)
         return found;
     int32_t n = allocateNode(m);
-    m.nodes[n] = MapNode{pbObjRetain(key), nullptr, 0, random::next64(), -1, -1, 0, 1};
+    m.nodes[n] = MapNode{pbObjRetain(key), nullptr, 0, random::priority(), -1, -1, 0, 1};
     m.root = insertNode(m, m.root, n);
     return n;
 }

@@ -11,15 +11,6 @@
 #include <cstring>
 #include <cwchar>
 
-// Code points live right after the object when they fit the room given at
-// creation, and move to their own allocation when the string grows past it.
-struct PB_STRING {
-    PB_OBJ_HEADER header;
-    PB_INT length;
-    PB_INT capacity;
-    PB_CHAR *chars;
-};
-
 namespace {
 
 constexpr PB_INT kMaxLength = PB_INT_MAX / 8;

@@ -2,9 +2,25 @@
 // (format, character sets), so they fill a string without a copy.
 #pragma once
 
+#include <pb/pb_sort.h>
 #include <pb/pb_string.h>
 
+// Code points live right after the object when they fit the room given at
+// creation, and move to their own allocation when the string grows past it.
+struct PB_STRING {
+    PB_OBJ_HEADER header;
+    PB_INT length;
+    PB_INT capacity;
+    PB_CHAR *chars;
+};
+
 namespace pb::string {
+
+// True when obj is a string (the runtime's files read strings directly).
+inline bool is(const PB_OBJ *obj) noexcept
+{
+    return reinterpret_cast<const PB_OBJ_HEADER *>(obj)->sort == pbStringSort();
+}
 
 // A new string with room for capacity code points and length 0.
 PB_STRING *createWithCapacity(PB_INT capacity) noexcept;
