@@ -142,22 +142,6 @@ TEST(Obj, OrderAcrossSortsIsByNameThenTotal)
     EXPECT_TRUE(pbStringEquals(s.get(), str("z").get()));
 }
 
-TEST(Obj, IdentitySortsEqualOnlyThemselves)
-{
-    Ref<PB_IDENTIFIER> a = adopt(pbIdentifierCreate());
-    Ref<PB_IDENTIFIER> b = adopt(pbIdentifierCreate());
-    EXPECT_TRUE(pbIdentifierEquals(a.get(), a.get()));
-    EXPECT_FALSE(pbIdentifierEquals(a.get(), b.get()));
-    EXPECT_EQ(pbIdentifierCompare(a.get(), b.get()), -pbIdentifierCompare(b.get(), a.get()));
-}
-
-TEST(Obj, FromPassesNullAndItsOwnSort)
-{
-    Ref<PB_STRING> s = str("x");
-    EXPECT_EQ(pbStringFrom(nullptr), nullptr);
-    EXPECT_EQ(pbStringFrom(pbStringObj(s.get())), s.get());
-}
-
 using ObjDeathTest = testing::Test;
 
 TEST(ObjDeathTest, StandardFunctionsAbortWithTheirFamilyText)

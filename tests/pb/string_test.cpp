@@ -36,14 +36,6 @@ TEST(String, ConvertToCstrWritesUtf8AndLength)
     pbMemFree(text);
 }
 
-TEST(String, InnerAndLeadingCopyTheRange)
-{
-    Ref<PB_STRING> s = str("hello world");
-    EXPECT_EQ(take(pbStringCreateFromInner(s.get(), 6, 5)), "world");
-    EXPECT_EQ(take(pbStringCreateFromLeading(s.get(), 0)), "");
-    EXPECT_EQ(take(pbStringCreateFromInner(s.get(), 11, 0)), "");
-}
-
 TEST(String, AppendingItselfDoublesIt)
 {
     Ref<PB_STRING> s = str("ab");
@@ -54,19 +46,6 @@ TEST(String, AppendingItselfDoublesIt)
     Ref<PB_STRING> t = str("xyz");
     pbStringAppendChars(t.addr(), pbStringBacking(t.get()) + 1, 2);
     EXPECT_EQ(utf8(t.get()), "xyzyz");
-}
-
-TEST(String, EditsAtBothEnds)
-{
-    Ref<PB_STRING> s = str("bc");
-    pbStringPrependChar(s.addr(), 'a');
-    pbStringAppendChar(s.addr(), 'd');
-    EXPECT_EQ(utf8(s.get()), "abcd");
-    pbStringDelLeading(s.addr(), 1);
-    pbStringDelTrailing(s.addr(), 2);
-    EXPECT_EQ(utf8(s.get()), "b");
-    pbStringDelTrailing(s.addr(), 1);
-    EXPECT_EQ(pbStringLength(s.get()), 0);
 }
 
 TEST(String, TrimRemovesSpaceTabCrLfOnly)

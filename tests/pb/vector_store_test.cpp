@@ -23,16 +23,6 @@ TEST(Vector, EditsKeepOrder)
     EXPECT_EQ(text(pbVectorObj(v.get())), "[a, c, D, 78, [a, c, D, 78]]");
 }
 
-TEST(Vector, CompareIsElementwise)
-{
-    Ref<PB_VECTOR> a = adopt(pbVectorCreate());
-    Ref<PB_VECTOR> b = adopt(pbVectorCreate());
-    pbVectorAppendString(a.addr(), str("x").get());
-    EXPECT_GT(pbVectorCompare(a.get(), b.get()), 0);
-    pbVectorAppendString(b.addr(), str("y").get());
-    EXPECT_LT(pbVectorCompare(a.get(), b.get()), 0);
-}
-
 TEST(Store, EntriesOfEachKind)
 {
     Ref<PB_STORE> sub = adopt(pbStoreCreate());
