@@ -181,46 +181,58 @@ private:
     iconv_t cd_;
 };
 
-// Decodes with iconv straight into the string: no charset yields more code
-// points than it has bytes, and one U+FFFD may follow for an incomplete end.
+// Decodes with iconv straight into the string. No set here yields more code
+// points than it has bytes, so n + 1 (for a U+FFFD at an incomplete end) is
+// nearly always enough; should a converter want more, the string grows.
 PB_STRING *decodeIconv(const Charset &cs, const PB_BYTE *bytes, PB_INT n, bool strict)
 {
-    PB_STRING *s = pb::string::createWithCapacity(n + 1);
-    PB_CHAR *begin = pb::string::appendSpace(&s, n + 1);
     Iconv cd(kCodePoints, cs.iconvName);
-    auto *in = reinterpret_cast<char *>(const_cast<PB_BYTE *>(bytes));
-    size_t inLeft = static_cast<size_t>(n);
-    auto *out = reinterpret_cast<char *>(begin);
-    size_t outLeft = static_cast<size_t>(n + 1) * sizeof(PB_CHAR);
-    auto replace = [&] {
-        *reinterpret_cast<PB_CHAR *>(out) = pb::utf8::kReplacement;
-        out += sizeof(PB_CHAR);
-        outLeft -= sizeof(PB_CHAR);
-    };
     if (!cd.ok()) {
         // No converter on this system: nothing can be read, so nothing is valid.
-        pbStringRelease(s);
         if (strict)
             return nullptr;
-        s = pb::string::createWithCapacity(n);
+        PB_STRING *s = pb::string::createWithCapacity(n);
         std::fill_n(pb::string::appendSpace(&s, n), n, pb::utf8::kReplacement);
         return s;
     }
+    PB_STRING *s = pb::string::createWithCapacity(n + 1);
+    PB_INT written = 0, room = 0;
+    char *out = nullptr;
+    size_t outLeft = 0;
+    auto grow = [&](PB_INT more) {
+        written = room - static_cast<PB_INT>(outLeft / sizeof(PB_CHAR));
+        pb::string::appendSpace(&s, more);
+        room += more;
+        out = reinterpret_cast<char *>(const_cast<PB_CHAR *>(pbStringBacking(s)) + written);
+        outLeft = static_cast<size_t>(room - written) * sizeof(PB_CHAR);
+    };
+    grow(n + 1);
+    auto *in = reinterpret_cast<char *>(const_cast<PB_BYTE *>(bytes));
+    size_t inLeft = static_cast<size_t>(n);
     while (inLeft > 0) {
         if (cd(&in, &inLeft, &out, &outLeft) != static_cast<size_t>(-1))
             break;
-        if (strict || (errno != EILSEQ && errno != EINVAL)) {
+        int error = errno; // before anything that may allocate
+        if (error == E2BIG) {
+            grow(static_cast<PB_INT>(inLeft) + 16);
+            continue;
+        }
+        if (strict) {
             pbStringRelease(s);
             return nullptr;
         }
-        replace();
-        if (errno == EINVAL)
-            break; // incomplete sequence at the end
+        if (outLeft < sizeof(PB_CHAR))
+            grow(16);
+        *reinterpret_cast<PB_CHAR *>(out) = pb::utf8::kReplacement;
+        out += sizeof(PB_CHAR);
+        outLeft -= sizeof(PB_CHAR);
+        if (error != EILSEQ)
+            break; // EINVAL: an incomplete sequence at the end
         ++in;
         --inLeft;
     }
     cd(nullptr, nullptr, &out, &outLeft);
-    pb::string::truncate(&s, reinterpret_cast<PB_CHAR *>(out) - begin);
+    pb::string::truncate(&s, room - static_cast<PB_INT>(outLeft / sizeof(PB_CHAR)));
     return s;
 }
 
