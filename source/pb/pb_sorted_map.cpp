@@ -16,15 +16,8 @@ namespace {
 // Keys are nearly always strings: compare those without the generic dispatch.
 PB_INT keyOrder(PB_OBJ *a, PB_OBJ *b)
 {
-    if (PB_LIKELY(string::is(a) && string::is(b))) {
-        auto *x = reinterpret_cast<PB_STRING *>(a);
-        auto *y = reinterpret_cast<PB_STRING *>(b);
-        PB_INT n = std::min(x->length, y->length);
-        for (PB_INT i = 0; i < n; ++i)
-            if (x->chars[i] != y->chars[i])
-                return x->chars[i] < y->chars[i] ? -1 : 1;
-        return x->length < y->length ? -1 : x->length > y->length ? 1 : 0;
-    }
+    if (PB_LIKELY(string::is(a) && string::is(b)))
+        return string::order(reinterpret_cast<PB_STRING *>(a), reinterpret_cast<PB_STRING *>(b));
     return pbObjCompare(a, b);
 }
 

@@ -40,13 +40,7 @@ void pb___StringFreeFunc(PB_OBJ *obj) noexcept
 
 PB_INT pb___StringCompareFunc(PB_OBJ *a, PB_OBJ *b) noexcept
 {
-    PB_STRING *x = pbStringFrom(a);
-    PB_STRING *y = pbStringFrom(b);
-    PB_INT n = std::min(x->length, y->length);
-    for (PB_INT i = 0; i < n; ++i)
-        if (x->chars[i] != y->chars[i])
-            return x->chars[i] < y->chars[i] ? -1 : 1;
-    return x->length < y->length ? -1 : x->length > y->length ? 1 : 0;
+    return pb::string::order(pbStringFrom(a), pbStringFrom(b));
 }
 
 PB_STRING *pb___StringToStringFunc(PB_OBJ *obj) noexcept

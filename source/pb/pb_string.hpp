@@ -16,6 +16,16 @@ struct PB_STRING {
 
 namespace pb::string {
 
+// Code-point order, a prefix first: the order of strings everywhere.
+inline PB_INT order(const PB_STRING *x, const PB_STRING *y) noexcept
+{
+    PB_INT n = x->length < y->length ? x->length : y->length;
+    for (PB_INT i = 0; i < n; ++i)
+        if (x->chars[i] != y->chars[i])
+            return x->chars[i] < y->chars[i] ? -1 : 1;
+    return x->length < y->length ? -1 : x->length > y->length ? 1 : 0;
+}
+
 // True when obj is a string (the runtime's files read strings directly).
 inline bool is(const PB_OBJ *obj) noexcept
 {
