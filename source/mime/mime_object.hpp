@@ -7,9 +7,11 @@
 // defines the static sort record mime___sort_MIME_CONTENT_TYPE (owned by the
 // module object) and the eight standard functions mimeContentTypeSort, ...Retain,
 // ...Release, ...Obj, ...From, ...ToString, ...Compare, ...Equals, with the abort
-// texts "stdfunc retain" and so on. Changing operations unshare with
-// PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom) (condition "((*type))");
-// Cstr/Wcstr variants come from PB___TEXT_VARIANTS.
+// texts "stdfunc retain" and so on. A changing operation checks its reference
+// with PB_ASSERT_REF(type) (conditions "type", "*type"), then its value
+// arguments, then unshares with PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom)
+// (condition "((*type))"), then changes fields with pb::setField. Cstr/Wcstr
+// variants come from PB___TEXT_VARIANTS.
 #pragma once
 
 #include <mime/mime_module.h>

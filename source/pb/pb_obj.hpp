@@ -96,6 +96,14 @@ template <class T, class CreateFrom> inline void unshare(T **ref, CreateFrom cre
 
 } // namespace pb
 
+// First step of a changing operation: the address and the reference behind it.
+// Called as PB_ASSERT_REF(type), the conditions read "type" and "*type".
+#define PB_ASSERT_REF(p) \
+    do { \
+        PB_ASSERT(p); \
+        PB_ASSERT(*p); \
+    } while (0)
+
 // Checks the object behind a changing operation's reference and unshares it.
 // Called as PB_OBJ_UNSHARE((*type), createFrom), the condition reads "((*type))".
 #define PB_OBJ_UNSHARE(ref, createFrom) \

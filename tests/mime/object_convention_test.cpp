@@ -48,8 +48,7 @@ MIME_TEST_NOTE *mimeTestNoteCreateFrom(MIME_TEST_NOTE *source)
 
 void mimeTestNoteSetText(MIME_TEST_NOTE **note, PB_STRING *text)
 {
-    PB_ASSERT( note );
-    PB_ASSERT( *note );
+    PB_ASSERT_REF(note);
     PB_ASSERT( text );
     PB_OBJ_UNSHARE((*note), mimeTestNoteCreateFrom);
     pb::setField((*note)->text, text);
@@ -110,6 +109,7 @@ TEST(ObjectConventionDeathTest, AbortTexts)
     EXPECT_DEATH(mimeTestNoteCompare(nullptr, note.get()), abortLine("stdfunc compare a", file, "objA"));
     EXPECT_DEATH(mimeTestNoteCompare(note.get(), nullptr), abortLine("stdfunc compare b", file, "objB"));
     MIME_TEST_NOTE *empty = nullptr;
+    EXPECT_DEATH(mimeTestNoteSetText(nullptr, s.get()), assertion(file, "note"));
     EXPECT_DEATH(mimeTestNoteSetText(&empty, s.get()), assertion(file, "*note"));
 }
 
