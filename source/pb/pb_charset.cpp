@@ -195,15 +195,15 @@ PB_STRING *decodeIconv(const Charset &cs, const PB_BYTE *bytes, PB_INT n, bool s
         std::fill_n(pb::string::appendSpace(&s, n), n, pb::utf8::kReplacement);
         return s;
     }
-    PB_STRING *s = pb::string::createWithCapacity(n + 1);
+    pb::Ref<PB_STRING> s = pb::adopt(pb::string::createWithCapacity(n + 1));
     PB_INT written = 0, room = 0;
     char *out = nullptr;
     size_t outLeft = 0;
     auto grow = [&](PB_INT more) {
         written = room - static_cast<PB_INT>(outLeft / sizeof(PB_CHAR));
-        pb::string::appendSpace(&s, more);
+        pb::string::appendSpace(s.addr(), more);
         room += more;
-        out = reinterpret_cast<char *>(const_cast<PB_CHAR *>(pbStringBacking(s)) + written);
+        out = reinterpret_cast<char *>(const_cast<PB_CHAR *>(pbStringBacking(s.get())) + written);
         outLeft = static_cast<size_t>(room - written) * sizeof(PB_CHAR);
     };
     grow(n + 1);
@@ -217,10 +217,8 @@ PB_STRING *decodeIconv(const Charset &cs, const PB_BYTE *bytes, PB_INT n, bool s
             grow(static_cast<PB_INT>(inLeft) + 16);
             continue;
         }
-        if (strict) {
-            pbStringRelease(s);
+        if (strict)
             return nullptr;
-        }
         if (outLeft < sizeof(PB_CHAR))
             grow(16);
         *reinterpret_cast<PB_CHAR *>(out) = pb::utf8::kReplacement;
@@ -232,8 +230,8 @@ PB_STRING *decodeIconv(const Charset &cs, const PB_BYTE *bytes, PB_INT n, bool s
         --inLeft;
     }
     cd(nullptr, nullptr, &out, &outLeft);
-    pb::string::truncate(&s, room - static_cast<PB_INT>(outLeft / sizeof(PB_CHAR)));
-    return s;
+    pb::string::truncate(s.addr(), room - static_cast<PB_INT>(outLeft / sizeof(PB_CHAR)));
+    return s.release();
 }
 
 PB_BUFFER *encodeIconv(const Charset &cs, PB_STRING *s)
@@ -288,31 +286,26 @@ PB_BUFFER *encodeNative(Native native, PB_STRING *s)
 
 PB_STRING *decodeNative(Native native, const PB_BYTE *bytes, PB_INT n, bool strict)
 {
-    PB_STRING *s = pb::string::createWithCapacity(n + 1);
-    PB_CHAR *out = pb::string::appendSpace(&s, n);
-    PB_INT written = n;
+    pb::Ref<PB_STRING> s = pb::adopt(pb::string::createWithCapacity(n + 1));
+    PB_CHAR *out = pb::string::appendSpace(s.addr(), n);
     if (native == Native::Utf8) {
-        written = pb::utf8::decode(bytes, static_cast<size_t>(n), out, strict);
-    } else {
-        for (PB_INT i = 0; i < n; ++i) {
-            PB_BYTE b = bytes[i];
-            if (native == Native::Ascii && b > 0x7F) {
-                if (strict) {
-                    written = -1;
-                    break;
-                }
-                out[i] = pb::utf8::kReplacement;
-            } else {
-                out[i] = b;
-            }
+        PB_INT written = pb::utf8::decode(bytes, static_cast<size_t>(n), out, strict);
+        if (written < 0)
+            return nullptr;
+        pb::string::truncate(s.addr(), written);
+        return s.release();
+    }
+    for (PB_INT i = 0; i < n; ++i) {
+        PB_BYTE b = bytes[i];
+        if (native == Native::Ascii && b > 0x7F) {
+            if (strict)
+                return nullptr;
+            out[i] = pb::utf8::kReplacement;
+        } else {
+            out[i] = b;
         }
     }
-    if (written < 0) {
-        pbStringRelease(s);
-        return nullptr;
-    }
-    pb::string::truncate(&s, written);
-    return s;
+    return s.release();
 }
 
 } // namespace
