@@ -93,30 +93,49 @@ TEST(Charset, NamesAndAliasesInAnyCase)
     EXPECT_EQ(take(pbCharsetToIanaName(PB_CHARSET_US_ASCII)), "US-ASCII");
 }
 
-TEST(Charset, NativeSetsRejectWhatTheyCannotHold)
+// Conversions at the edges of what a set holds; "<null>" is the failure result.
+TEST(Charset, ConversionTable)
 {
-    Ref<PB_STRING> euro = chars(U"a\u20ac");
-    Ref<PB_STRING> latin = chars(U"a\u00e9");
-    Ref<PB_STRING> surrogate = chars(std::u32string(1, char32_t{0xD800}));
-    EXPECT_EQ(encode(PB_CHARSET_US_ASCII, latin.get()), "<null>");
-    EXPECT_EQ(encode(PB_CHARSET_ISO_8859_1, latin.get()), "a\xe9");
-    EXPECT_EQ(encode(PB_CHARSET_ISO_8859_1, euro.get()), "<null>");
-    EXPECT_EQ(encode(PB_CHARSET_UTF_8, euro.get()), "a\xe2\x82\xac");
-    EXPECT_EQ(encode(PB_CHARSET_UTF_8, surrogate.get()), "<null>");
-    EXPECT_EQ(encode(PB_CHARSET_UTF_16LE, surrogate.get()), "<null>");
-    EXPECT_EQ(encode(PB_CHARSET_SHIFT_JIS, euro.get()), "<null>");
-    EXPECT_EQ(decode(PB_CHARSET_US_ASCII, "a\x80"), "a\xef\xbf\xbd");
-    EXPECT_EQ(decode(PB_CHARSET_US_ASCII, "a\x80", PB_CHARSET_FLAG_STRICT), "<null>");
-    EXPECT_EQ(decode(PB_CHARSET_ISO_8859_1, "\xe9\xff", PB_CHARSET_FLAG_STRICT), "\xc3\xa9\xc3\xbf");
-}
-
-TEST(Charset, InvalidBytesInOtherSets)
-{
-    // Shift_JIS lead byte without its trail byte at the end; an unassigned EUC-KR byte.
-    EXPECT_EQ(decode(PB_CHARSET_SHIFT_JIS, "a\x82", PB_CHARSET_FLAG_STRICT), "<null>");
-    EXPECT_EQ(decode(PB_CHARSET_SHIFT_JIS, "a\x82"), "a\xef\xbf\xbd");
-    EXPECT_EQ(decode(PB_CHARSET_EUC_KR, "\xff" "b"), "\xef\xbf\xbd" "b");
-    EXPECT_EQ(decode(PB_CHARSET_UTF_16LE, "a\0b", PB_CHARSET_FLAG_STRICT), "<null>");
+    using namespace std::string_literals;
+    const PB_INT strict = PB_CHARSET_FLAG_STRICT;
+    struct Encode {
+        PB_CHARSET cs;
+        std::u32string text;
+        std::string out;
+    } encodes[] = {
+        {PB_CHARSET_US_ASCII, U"a\u00e9", "<null>"},
+        {PB_CHARSET_ISO_8859_1, U"a\u00e9", "a\xe9"},
+        {PB_CHARSET_ISO_8859_1, U"a\u20ac", "<null>"},
+        {PB_CHARSET_UTF_8, U"a\u20ac", "a\xe2\x82\xac"},
+        {PB_CHARSET_UTF_8, std::u32string(1, char32_t{0xD800}), "<null>"},    // no scalar value
+        {PB_CHARSET_UTF_16LE, std::u32string(1, char32_t{0xD800}), "<null>"},
+        {PB_CHARSET_SHIFT_JIS, U"a\u20ac", "<null>"},                        // no euro sign there
+        {PB_CHARSET_UTF_16BE, U"a\U0001F600", "\0a\xd8\x3d\xde\x00"s},
+    };
+    for (const Encode &row : encodes) {
+        SCOPED_TRACE(testing::Message() << "encode " << row.cs);
+        EXPECT_EQ(encode(row.cs, chars(row.text).get()), row.out);
+    }
+    struct Decode {
+        PB_CHARSET cs;
+        std::string in;
+        PB_INT flags;
+        std::string out;
+    } decodes[] = {
+        {PB_CHARSET_US_ASCII, "a\x80", 0, "a\xef\xbf\xbd"},
+        {PB_CHARSET_US_ASCII, "a\x80", strict, "<null>"},
+        {PB_CHARSET_ISO_8859_1, "\xe9\xff", strict, "\xc3\xa9\xc3\xbf"},
+        {PB_CHARSET_SHIFT_JIS, "a\x82", strict, "<null>"},              // lead byte without trail byte
+        {PB_CHARSET_SHIFT_JIS, "a\x82", 0, "a\xef\xbf\xbd"},
+        {PB_CHARSET_EUC_KR, "\xff" "b", 0, "\xef\xbf\xbd" "b"},       // unassigned byte
+        {PB_CHARSET_UTF_16LE, "a\0b"s, strict, "<null>"},               // odd length
+        {PB_CHARSET_UTF_16LE, "a\0b\0"s, strict, "ab"},
+        {PB_CHARSET_UTF_16LE, "\0\xd8" "a\0"s, strict, "<null>"},       // lone surrogate
+    };
+    for (const Decode &row : decodes) {
+        SCOPED_TRACE(testing::Message() << "decode " << row.cs << " " << testing::PrintToString(row.in));
+        EXPECT_EQ(decode(row.cs, row.in, row.flags), row.out);
+    }
 }
 
 TEST(Charset, IncompleteLastByteIsInvalid)

@@ -12,95 +12,58 @@ namespace {
 
 PB_INT refs(const void *obj) { return pb::refCount(obj).load(); }
 
-// Each value type: how to make one, change it through its address, and read it.
-struct StringTraits {
-    using T = PB_STRING;
-    static T *create() { return pbStringCreateFromCstr("abc", -1); }
-    static void change(T **p) { pbStringAppendChar(p, 'd'); }
-    static std::string read(T *p) { return utf8(p); }
+// Each value type: how to make one and how to change it through its address.
+// Its text form (pbObjToString) shows what it holds.
+struct ValueType {
+    const char *name;
+    PB_OBJ *(*create)();
+    void (*change)(PB_OBJ **);
 };
-struct BufferTraits {
-    using T = PB_BUFFER;
-    static T *create() { return pbBufferCreateFromBytesCopy("abc", 3); }
-    static void change(T **p) { pbBufferAppendByte(p, 'd'); }
-    static std::string read(T *p) { return bytesOf(p); }
-};
-struct DictTraits {
-    using T = PB_DICT;
-    static T *create()
-    {
-        PB_DICT *d = pbDictCreate();
-        pbDictSetStringKeyCstr(&d, "k", -1, pbStringObj(str("v").get()));
-        return d;
-    }
-    static void change(T **p) { pbDictSetStringKeyCstr(p, "k2", -1, pbStringObj(str("w").get())); }
-    static std::string read(T *p) { return text(pbDictObj(p)); }
-};
-struct VectorTraits {
-    using T = PB_VECTOR;
-    static T *create()
-    {
-        PB_VECTOR *v = pbVectorCreate();
-        pbVectorAppendString(&v, str("a").get());
-        return v;
-    }
-    static void change(T **p) { pbVectorSetObjAt(p, 0, pbStringObj(str("b").get())); }
-    static std::string read(T *p) { return text(pbVectorObj(p)); }
-};
-struct StoreTraits {
-    using T = PB_STORE;
-    static T *create()
-    {
-        PB_STORE *s = pbStoreCreate();
-        pbStoreSetValueIntCstr(&s, "n", -1, 1);
-        return s;
-    }
-    static void change(T **p) { pbStoreSetValueIntCstr(p, "n", -1, 2); }
-    static std::string read(T *p) { return text(pbStoreObj(p)); }
-};
-struct FlagsetTraits {
-    using T = PB_FLAGSET;
-    static T *create()
-    {
-        PB_FLAGSET *f = pbFlagsetCreate();
-        pbFlagsetSetFlagCstr(&f, "A", -1, 1);
-        return f;
-    }
-    static void change(T **p) { pbFlagsetSetFlagCstr(p, "B", -1, 2); }
-    static std::string read(T *p) { return text(reinterpret_cast<PB_OBJ *>(p)); }
+const ValueType kValueTypes[] = {
+    {"string", [] { return pbStringObj(pbStringCreateFromCstr("abc", -1)); },
+     [](PB_OBJ **p) { pbStringAppendChar(reinterpret_cast<PB_STRING **>(p), 'd'); }},
+    {"buffer", [] { return pbBufferObj(pbBufferCreateFromBytesCopy("abc", 3)); },
+     [](PB_OBJ **p) { pbBufferAppendByte(reinterpret_cast<PB_BUFFER **>(p), 'd'); }},
+    {"dict", [] { return pbDictObj(pbDictCreate()); },
+     [](PB_OBJ **p) { pbDictSetStringKeyCstr(reinterpret_cast<PB_DICT **>(p), "k", -1, pbStringObj(str("v").get())); }},
+    {"vector", [] { return pbVectorObj(pbVectorCreate()); },
+     [](PB_OBJ **p) { pbVectorAppendString(reinterpret_cast<PB_VECTOR **>(p), str("a").get()); }},
+    {"store", [] { return pbStoreObj(pbStoreCreate()); },
+     [](PB_OBJ **p) { pbStoreSetValueIntCstr(reinterpret_cast<PB_STORE **>(p), "n", -1, 2); }},
+    {"flagset", [] { return pbFlagsetObj(pbFlagsetCreate()); },
+     [](PB_OBJ **p) { pbFlagsetSetFlagCstr(reinterpret_cast<PB_FLAGSET **>(p), "B", -1, 2); }},
 };
 
-template <class Traits> class SharingContract : public testing::Test {};
-using ValueTypes = testing::Types<StringTraits, BufferTraits, DictTraits, VectorTraits, StoreTraits, FlagsetTraits>;
-TYPED_TEST_SUITE(SharingContract, ValueTypes);
-
-TYPED_TEST(SharingContract, ChangeOfSharedValueGoesToPrivateCopy)
+TEST(SharingContract, ChangeOfSharedValueGoesToPrivateCopy)
 {
-    using T = typename TypeParam::T;
-    T *mine = TypeParam::create();
-    T *theirs = mine;
-    pb::retain(theirs);
-    std::string before = TypeParam::read(theirs);
+    for (const ValueType &type : kValueTypes) {
+        SCOPED_TRACE(type.name);
+        PB_OBJ *mine = type.create();
+        PB_OBJ *theirs = pbObjRetain(mine);
+        std::string before = text(theirs);
 
-    TypeParam::change(&mine);
+        type.change(&mine);
 
-    EXPECT_NE(mine, theirs) << "a shared value must be copied before the change";
-    EXPECT_EQ(TypeParam::read(theirs), before);
-    EXPECT_NE(TypeParam::read(mine), before);
-    EXPECT_EQ(refs(theirs), 1) << "the caller's reference to the shared value is dropped";
-    EXPECT_EQ(refs(mine), 1);
-    pb::release(mine);
-    pb::release(theirs);
+        EXPECT_NE(mine, theirs) << "a shared value must be copied before the change";
+        EXPECT_EQ(text(theirs), before);
+        EXPECT_NE(text(mine), before);
+        EXPECT_EQ(refs(theirs), 1) << "the caller's reference to the shared value is dropped";
+        EXPECT_EQ(refs(mine), 1);
+        pbObjRelease(mine);
+        pbObjRelease(theirs);
+    }
 }
 
-TYPED_TEST(SharingContract, ChangeOfSoleReferenceIsInPlace)
+TEST(SharingContract, ChangeOfSoleReferenceIsInPlace)
 {
-    using T = typename TypeParam::T;
-    T *mine = TypeParam::create();
-    T *before = mine;
-    TypeParam::change(&mine);
-    EXPECT_EQ(mine, before);
-    pb::release(mine);
+    for (const ValueType &type : kValueTypes) {
+        SCOPED_TRACE(type.name);
+        PB_OBJ *mine = type.create();
+        PB_OBJ *before = mine;
+        type.change(&mine);
+        EXPECT_EQ(mine, before);
+        pbObjRelease(mine);
+    }
 }
 
 TEST(Obj, SetFieldToHeldObjectKeepsItAlive)
