@@ -196,10 +196,12 @@ void pbBufferAppend(PB_BUFFER **buf, PB_BUFFER *other) noexcept
         *buf = copy;
         return;
     }
-    // Keep other's bytes alive and in place while *buf grows (it may be other).
-    PB_BUFFER *keep = createFrom(other);
-    pbBufferAppendBits(buf, pbBufferBacking(keep), keep->bitLength);
-    pbBufferRelease(keep);
+    // Hold other's storage, so its bytes stay in place while *buf grows (*buf may
+    // be other, or view the same storage).
+    Storage *keep = other->storage;
+    refsOf(keep).fetch_add(1);
+    pbBufferAppendBits(buf, keep->bytes() + other->offset, other->bitLength);
+    storageRelease(keep);
 }
 
 void pbBufferAppendByte(PB_BUFFER **buf, PB_BYTE byte) noexcept

@@ -85,6 +85,8 @@ TEST(Buffer, ChangingTheSourceLeavesViewsAlone)
     pbBufferAppendBytes(whole.addr(), "p", 1);
     EXPECT_EQ(bytesOf(view.get()), "hello");
     EXPECT_EQ(bytesOf(whole.get()), "hellp");
+    pbBufferAppend(view.addr(), view.get()); // itself, while its storage is shared
+    EXPECT_EQ(bytesOf(view.get()), "hellohello");
 }
 
 TEST(Buffer, AppendSpaceFillsInPlace)
