@@ -1,6 +1,7 @@
 /* Compile-only check: every public header is plain C11. */
 #include <mime/mime.h>
 #include <pb/pb.h>
+#include <rfc/rfc.h>
 
 int corvane_c_api_check(void);
 

@@ -1,58 +1,21 @@
 // Character sets: names, native conversions, and every set against Python's
 // codecs as an independent oracle.
 #include "abort.hpp"
+#include "oracle.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <sys/wait.h>
 #include <set>
-#include <sstream>
 #include <vector>
 
 using namespace test;
 
 namespace {
 
-std::string unhex(const std::string &hex)
-{
-    std::string out;
-    for (size_t i = 0; i + 1 < hex.size(); i += 2)
-        out += static_cast<char>(std::stoi(hex.substr(i, 2), nullptr, 16));
-    return out;
-}
-
-// The oracle's lines, split at tabs; empty when no Python interpreter is found.
-// An oracle that starts and then fails is a test failure, not a skip.
 std::vector<std::vector<std::string>> oracle()
 {
-    static std::vector<std::vector<std::string>> lines = [] {
-        std::vector<std::vector<std::string>> result;
-        std::string command = std::string(CORVANE_PYTHON) + " " CORVANE_TEST_DATA_DIR "/pb/charset_oracle.py";
-        FILE *pipe = popen(command.c_str(), "r");
-        if (!pipe)
-            return result;
-        std::string all;
-        char chunk[65536];
-        for (size_t n; (n = fread(chunk, 1, sizeof chunk, pipe)) > 0;)
-            all.append(chunk, n);
-        int status = pclose(pipe);
-        if (WIFEXITED(status) && WEXITSTATUS(status) == 127)
-            return result; // no interpreter
-        EXPECT_EQ(status, 0) << "the oracle script failed";
-        std::istringstream in(all);
-        for (std::string line; std::getline(in, line);) {
-            std::vector<std::string> fields;
-            std::istringstream f(line);
-            for (std::string field; std::getline(f, field, '\t');)
-                fields.push_back(field);
-            if (line.size() && line.back() == '\t')
-                fields.push_back("");
-            result.push_back(fields);
-        }
-        return result;
-    }();
+    static OracleLines lines = runOracle("pb/charset_oracle.py");
     return lines;
 }
 

@@ -1,0 +1,156 @@
+#include <rfc/rfc_quop_codec.hpp>
+
+namespace rfc::quop {
+namespace {
+
+bool isSpaceOrTab(uint8_t b)
+{
+    return b == ' ' || b == '\t';
+}
+
+bool isHardBreakAt(const uint8_t *in, size_t n, size_t i)
+{
+    return i + 1 < n && in[i] == '\r' && in[i + 1] == '\n';
+}
+
+// The encoder's output cursor: where it writes and how long the current line is.
+struct Writer {
+    uint8_t *out;
+    size_t length = 0;
+    size_t column = 0;
+    size_t limit; // maximum line length
+
+    void put(uint8_t b)
+    {
+        out[length++] = b;
+        ++column;
+    }
+    void lineBreak(bool soft)
+    {
+        if (soft)
+            out[length++] = '=';
+        out[length++] = '\r';
+        out[length++] = '\n';
+        column = 0;
+    }
+    // An escape fits when it leaves room for a soft break, or when it is the last
+    // token of its line and fills the line at most.
+    void escape(uint8_t b, bool lastOnLine)
+    {
+        if (column + 3 > limit - 1 && !(lastOnLine && column + 3 <= limit))
+            lineBreak(true);
+        out[length] = '=';
+        out[length + 1] = tables::hexUpper[b >> 4];
+        out[length + 2] = tables::hexUpper[b & 15];
+        length += 3;
+        column += 3;
+    }
+};
+
+} // namespace
+
+size_t encodeBound(const uint8_t *in, size_t n, int64_t maxLineLength, const Kernels &kernels) noexcept
+{
+    // Escapes come from special bytes and from one space or tab per line end.
+    size_t special = kernels.quopCountSpecial(in, n);
+    size_t content = n + 2 * (special + 1) + 2;
+    // A soft break follows at least maxLineLength - 3 characters of its line.
+    size_t softBreaks = content / static_cast<size_t>(maxLineLength - 3) + 1;
+    return content + 3 * softBreaks + kWriteSlack;
+}
+
+size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, const Kernels &kernels) noexcept
+{
+    Writer w{out, 0, 0, static_cast<size_t>(maxLineLength)};
+    size_t i = 0;
+    for (;;) {
+        if (w.column < w.limit - 1) {
+            size_t copied = kernels.quopCopyLiteral(in + i, n - i, w.limit - 1 - w.column, w.out + w.length);
+            i += copied;
+            w.length += copied;
+            w.column += copied;
+        }
+        bool lineEnd = i == n || isHardBreakAt(in, n, i);
+        if (lineEnd && w.column > 0 && isSpaceOrTab(w.out[w.length - 1])) {
+            // A space or tab was copied last before the line end: take it back
+            // and write it as an escape (an escape's output ends in a digit, so
+            // the last byte of a non-empty line is a copied one).
+            --w.length;
+            --w.column;
+            w.escape(in[--i], true);
+            ++i;
+        }
+        if (i == n)
+            return w.length;
+        uint8_t b = in[i];
+        if (lineEnd) {
+            w.lineBreak(false);
+            i += 2;
+        } else if (tables::quopLiteral[b]) {
+            // The line is full up to the soft break's "=": the byte still fits as
+            // the last of its line, unless it is a space or tab that must be escaped.
+            bool last = i + 1 == n || isHardBreakAt(in, n, i + 1);
+            if (last && isSpaceOrTab(b))
+                w.escape(b, true);
+            else if (last)
+                w.put(b);
+            else
+                w.lineBreak(true);
+            i += last;
+        } else {
+            w.escape(b, i + 1 == n || isHardBreakAt(in, n, i + 1));
+            ++i;
+        }
+    }
+}
+
+size_t decodeBound(size_t n) noexcept
+{
+    return n + kWriteSlack;
+}
+
+ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kernels) noexcept
+{
+    const auto &hex = tables::hexValues;
+    size_t i = 0, o = 0;
+    size_t kept = 0; // output before this is final: trailing white space is not stripped below it
+    for (;;) {
+        size_t copied = kernels.quopCopyPlain(in + i, n - i, out + o);
+        i += copied;
+        o += copied;
+        if (i == n || in[i] == '\n') {
+            // A line end: drop the spaces and tabs before it (and before its CR).
+            bool cr = i < n && o > kept && out[o - 1] == '\r';
+            o -= cr;
+            while (o > kept && isSpaceOrTab(out[o - 1]))
+                --o;
+            if (i == n)
+                return static_cast<ptrdiff_t>(o);
+            if (cr)
+                out[o++] = '\r';
+            out[o++] = '\n';
+            kept = o;
+            ++i;
+            continue;
+        }
+        // "=": an escape or a soft line break.
+        if (i + 2 < n && hex[in[i + 1]] >= 0 && hex[in[i + 2]] >= 0) {
+            out[o++] = static_cast<uint8_t>(hex[in[i + 1]] << 4 | hex[in[i + 2]]);
+            kept = o;
+            i += 3;
+            continue;
+        }
+        size_t j = i + 1;
+        while (j < n && isSpaceOrTab(in[j]))
+            ++j;
+        if (j < n && in[j] == '\n')
+            i = j + 1;
+        else if (isHardBreakAt(in, n, j))
+            i = j + 2;
+        else
+            return -1;
+        kept = o;
+    }
+}
+
+} // namespace rfc::quop

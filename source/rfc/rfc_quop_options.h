@@ -1,0 +1,48 @@
+/* Options of quoted-printable coding.
+ *
+ * One setting: the maximum line length of encoded text, CR LF not counted, from
+ * 4 (the shortest line that holds an escape and a soft line break) to 76 (the
+ * limit of RFC 2045, and the default).
+ *
+ * Options objects are values: compared setting by setting (two new objects are
+ * equal), changed only through the address of the caller's reference (a shared
+ * object is copied first), and kept in a pbStore as
+ *   "maxLineLength"  integer, 4 to 76
+ * Restore starts from the defaults and never fails: a missing entry, an entry of
+ * the wrong kind or a length outside 4 to 76 leaves the default. */
+#ifndef RFC_QUOP_OPTIONS_H
+#define RFC_QUOP_OPTIONS_H
+
+#include <pb/pb_sort.h>
+#include <pb/pb_store.h>
+#include <pb/pb_types.h>
+#include <rfc/rfc_api.h>
+
+PB_BEGIN_DECLS
+
+typedef struct RFC_QUOP_OPTIONS RFC_QUOP_OPTIONS;
+
+PB_SORT_STDFUNCS_DECL(RFC_API, rfc, QuopOptions, RFC_QUOP_OPTIONS)
+
+#define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MIN ((PB_INT)4)
+#define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MAX ((PB_INT)76)
+#define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_DEFAULT ((PB_INT)76)
+
+/* Returns new options with the defaults. */
+RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsCreate(void) PB_NOEXCEPT;
+/* Returns new options with the settings of source. */
+RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsCreateFrom(RFC_QUOP_OPTIONS *source) PB_NOEXCEPT;
+
+RFC_API PB_INT rfcQuopOptionsMaxLineLength(RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
+/* length is from RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MIN to ..._MAX. */
+RFC_API void rfcQuopOptionsSetMaxLineLength(RFC_QUOP_OPTIONS **options, PB_INT length) PB_NOEXCEPT;
+
+/* Returns a new store of the settings: all of them when full is nonzero, else
+ * those that differ from the defaults. */
+RFC_API PB_STORE *rfcQuopOptionsStore(RFC_QUOP_OPTIONS *options, PB_BOOL full) PB_NOEXCEPT;
+/* Returns new options from a store written by rfcQuopOptionsStore; never null. */
+RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsRestore(PB_STORE *store) PB_NOEXCEPT;
+
+PB_END_DECLS
+
+#endif
