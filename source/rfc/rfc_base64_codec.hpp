@@ -4,20 +4,23 @@
 
 #include <rfc/rfc_kernels.hpp>
 
-#include <cstddef>
-#include <cstdint>
-
 namespace rfc::base64 {
 
 // Exact length of the encoded text of n bytes with lines of lineLength
 // characters (0 or -1: one line).
 size_t encodedLength(size_t n, int64_t lineLength) noexcept;
 // Writes encodedLength(n, lineLength) characters to out.
-void encode(const uint8_t *in, size_t n, int64_t lineLength, uint8_t *out, const Kernels &kernels) noexcept;
+inline void encode(const uint8_t *in, size_t n, int64_t lineLength, uint8_t *out, const Kernels &kernels) noexcept
+{
+    kernels.base64Encode(in, n, lineLength, out);
+}
 
 // Room decode needs for the text of n characters, slack included.
 size_t decodeBound(size_t n) noexcept;
 // Writes the decoded bytes and returns their count, or -1 when the text is invalid.
-ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kernels) noexcept;
+inline ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kernels) noexcept
+{
+    return kernels.base64Decode(in, n, out);
+}
 
 } // namespace rfc::base64

@@ -1,12 +1,13 @@
-// Internal: the inner loops of the codecs, in a scalar form that runs everywhere
-// and a vector form for processors with AVX2. The codecs' drivers
-// (rfc_base64_codec, rfc_quop_codec) call them through this table, so both forms
-// share every rule above the inner loop and tests can run either on the same
-// input.
+// Internal: the codecs over plain memory in three builds: a scalar one that
+// runs everywhere and vector ones for processors with AVX2 and with AVX-512. All
+// are instantiated from the same drivers (rfc_base64_driver.hpp, rfc_quop_driver.hpp) over a set
+// of inner loops (ScalarOps, Avx2Ops), so every rule lives in one place, the
+// inner loops inline into the drivers, and tests can run every build on the
+// same input.
 //
-// Each kernel reads only in[0, n). Kernels that copy or decode may write up to
-// kWriteSlack bytes beyond the end of what they report as written; callers
-// allocate that much room after the output.
+// The codecs read only in[0, n). They may write up to kWriteSlack bytes beyond
+// the end of their output; the bounds of rfc_base64_codec.hpp and
+// rfc_quop_codec.hpp include that room.
 #pragma once
 
 #include <array>
@@ -19,27 +20,22 @@ inline constexpr size_t kWriteSlack = 32;
 
 struct Kernels {
     const char *name;
-    // Encodes n bytes (a multiple of 3) as n / 3 * 4 base64 characters.
-    void (*base64EncodeGroups)(const uint8_t *in, size_t n, uint8_t *out);
-    // Decodes the longest prefix of whole quartets of alphabet characters; returns
-    // the characters consumed (a multiple of 4) and writes 3 bytes per quartet.
-    size_t (*base64DecodeQuartets)(const uint8_t *in, size_t n, uint8_t *out);
-    // Copies bytes that quoted-printable writes as they are (33-60, 62-126, space,
-    // tab) up to the first other byte, max bytes or the end; returns the count.
-    size_t (*quopCopyLiteral)(const uint8_t *in, size_t n, size_t max, uint8_t *out);
-    // Counts the bytes that quopCopyLiteral stops at.
-    size_t (*quopCountSpecial)(const uint8_t *in, size_t n);
-    // Copies bytes up to the first "=" or LF; returns the count.
-    size_t (*quopCopyPlain)(const uint8_t *in, size_t n, uint8_t *out);
+    void (*base64Encode)(const uint8_t *in, size_t n, int64_t lineLength, uint8_t *out);
+    ptrdiff_t (*base64Decode)(const uint8_t *in, size_t n, uint8_t *out);
+    size_t (*quopEncodeBound)(const uint8_t *in, size_t n, int64_t maxLineLength);
+    size_t (*quopEncode)(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out);
+    ptrdiff_t (*quopDecode)(const uint8_t *in, size_t n, uint8_t *out);
 };
 
 const Kernels &scalarKernels() noexcept;
 // Null when the processor lacks AVX2.
 const Kernels *avx2Kernels() noexcept;
+// Null when the processor lacks AVX-512 with byte instructions (BW, VBMI, VBMI2).
+const Kernels *avx512Kernels() noexcept;
 // The fastest kernels this processor runs, chosen once.
 const Kernels &bestKernels() noexcept;
 
-// Classes of bytes shared by the scalar kernels and the drivers.
+// Classes of bytes shared by the inner loops and the drivers.
 namespace tables {
 inline constexpr uint8_t kBase64Invalid = 0xFF;
 inline constexpr uint8_t kBase64Space = 0xFE; // CR, LF, space, tab: skipped

@@ -4,20 +4,29 @@
 
 #include <rfc/rfc_kernels.hpp>
 
-#include <cstddef>
-#include <cstdint>
-
 namespace rfc::quop {
 
 // Room encode needs for n bytes with lines of at most maxLineLength (4 to 76)
 // characters, slack included. Reads the input once.
-size_t encodeBound(const uint8_t *in, size_t n, int64_t maxLineLength, const Kernels &kernels) noexcept;
+inline size_t encodeBound(const uint8_t *in, size_t n, int64_t maxLineLength, const Kernels &kernels) noexcept
+{
+    return kernels.quopEncodeBound(in, n, maxLineLength);
+}
 // Writes the text and returns its length.
-size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, const Kernels &kernels) noexcept;
+inline size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, const Kernels &kernels) noexcept
+{
+    return kernels.quopEncode(in, n, maxLineLength, out);
+}
 
 // Room decode needs for the text of n bytes, slack included.
-size_t decodeBound(size_t n) noexcept;
+inline size_t decodeBound(size_t n) noexcept
+{
+    return n + kWriteSlack;
+}
 // Writes the decoded bytes and returns their count, or -1 when the text is invalid.
-ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kernels) noexcept;
+inline ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kernels) noexcept
+{
+    return kernels.quopDecode(in, n, out);
+}
 
 } // namespace rfc::quop

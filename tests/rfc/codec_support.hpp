@@ -19,8 +19,9 @@ namespace test {
 inline std::vector<const rfc::Kernels *> allKernels()
 {
     std::vector<const rfc::Kernels *> all{&rfc::scalarKernels()};
-    if (rfc::avx2Kernels())
-        all.push_back(rfc::avx2Kernels());
+    for (const rfc::Kernels *vector : {rfc::avx2Kernels(), rfc::avx512Kernels()})
+        if (vector)
+            all.push_back(vector);
     return all;
 }
 

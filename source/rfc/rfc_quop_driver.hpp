@@ -1,14 +1,29 @@
+// Internal: the quoted-printable codec over a set of inner loops Ops, which provides
+//   copyLiteral(in, n, max, out)  copies bytes the encoder writes as they are (33-60,
+//                                 62-126, space, tab) up to the first other byte,
+//                                 max bytes or the end; returns the count
+//   countSpecial(in, n)           counts the bytes copyLiteral stops at
+//   copyPlain(in, n, out)         copies bytes up to the first "=" or LF; returns the count
+// and may provide
+//   decodeBlock(in, out, consumed, written)  decodes a prefix of the kBlock bytes at
+//                                 in when it can do so without looking beyond
+//                                 them and its output is final; false otherwise
+// Included by the two kernel builds only; everything here has internal linkage,
+// so each build keeps its own instructions.
+#pragma once
+
 #include <rfc/rfc_quop_codec.hpp>
 
 namespace rfc::quop {
 namespace {
 
-bool isSpaceOrTab(uint8_t b)
+
+inline bool isSpaceOrTab(uint8_t b)
 {
     return b == ' ' || b == '\t';
 }
 
-bool isHardBreakAt(const uint8_t *in, size_t n, size_t i)
+inline bool isHardBreakAt(const uint8_t *in, size_t n, size_t i)
 {
     return i + 1 < n && in[i] == '\r' && in[i + 1] == '\n';
 }
@@ -47,25 +62,23 @@ struct Writer {
     }
 };
 
-} // namespace
-
-size_t encodeBound(const uint8_t *in, size_t n, int64_t maxLineLength, const Kernels &kernels) noexcept
+template <class Ops> size_t encodeBoundWith(const uint8_t *in, size_t n, int64_t maxLineLength)
 {
     // Escapes come from special bytes and from one space or tab per line end.
-    size_t special = kernels.quopCountSpecial(in, n);
+    size_t special = Ops::countSpecial(in, n);
     size_t content = n + 2 * (special + 1) + 2;
     // A soft break follows at least maxLineLength - 3 characters of its line.
     size_t softBreaks = content / static_cast<size_t>(maxLineLength - 3) + 1;
     return content + 3 * softBreaks + kWriteSlack;
 }
 
-size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, const Kernels &kernels) noexcept
+template <class Ops> size_t encodeWith(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out)
 {
     Writer w{out, 0, 0, static_cast<size_t>(maxLineLength)};
     size_t i = 0;
     for (;;) {
         if (w.column < w.limit - 1) {
-            size_t copied = kernels.quopCopyLiteral(in + i, n - i, w.limit - 1 - w.column, w.out + w.length);
+            size_t copied = Ops::copyLiteral(in + i, n - i, w.limit - 1 - w.column, w.out + w.length);
             i += copied;
             w.length += copied;
             w.column += copied;
@@ -104,18 +117,23 @@ size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, 
     }
 }
 
-size_t decodeBound(size_t n) noexcept
-{
-    return n + kWriteSlack;
-}
-
-ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kernels) noexcept
+template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *out)
 {
     const auto &hex = tables::hexValues;
     size_t i = 0, o = 0;
     size_t kept = 0; // output before this is final: trailing white space is not stripped below it
     for (;;) {
-        size_t copied = kernels.quopCopyPlain(in + i, n - i, out + o);
+        if constexpr (requires(size_t c, size_t w) { Ops::decodeBlock(in, out, c, w); }) {
+            // Whole blocks whose escapes, soft breaks and line ends need no look
+            // beyond the block; their output is final.
+            size_t consumed = 0, written = 0;
+            while (n - i >= Ops::kBlock && Ops::decodeBlock(in + i, out + o, consumed, written)) {
+                i += consumed;
+                o += written;
+                kept = o;
+            }
+        }
+        size_t copied = Ops::copyPlain(in + i, n - i, out + o);
         i += copied;
         o += copied;
         if (i == n || in[i] == '\n') {
@@ -153,4 +171,5 @@ ptrdiff_t decode(const uint8_t *in, size_t n, uint8_t *out, const Kernels &kerne
     }
 }
 
+} // namespace
 } // namespace rfc::quop
