@@ -19,9 +19,9 @@ inline void encodeTail(const uint8_t *in, size_t rest, uint8_t *out)
 {
     const auto &alphabet = tables::base64Alphabet;
     uint32_t v = uint32_t{in[0]} << 16 | (rest == 2 ? uint32_t{in[1]} << 8 : 0);
-    out[0] = alphabet[v >> 18];
-    out[1] = alphabet[v >> 12 & 63];
-    out[2] = rest == 2 ? alphabet[v >> 6 & 63] : '=';
+    out[0] = alphabet.at[v >> 18];
+    out[1] = alphabet.at[v >> 12 & 63];
+    out[2] = rest == 2 ? alphabet.at[v >> 6 & 63] : '=';
     out[3] = '=';
 }
 
@@ -86,7 +86,7 @@ template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *
                 break;
         }
         // A quartet split by white space, padding, or a character outside the alphabet.
-        uint8_t value = values[in[i++]];
+        uint8_t value = values.at[in[i++]];
         if (value < 64) {
             bits = bits << 6 | value;
             if (++pending == 4) {
@@ -100,7 +100,7 @@ template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *
             // nothing but skipped characters.
             int pads = 1;
             for (; i < n; ++i) {
-                uint8_t next = values[in[i]];
+                uint8_t next = values.at[in[i]];
                 if (next == tables::kBase64Pad)
                     ++pads;
                 else if (next != tables::kBase64Space)

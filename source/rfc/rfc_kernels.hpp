@@ -10,7 +10,6 @@
 // rfc_quop_codec.hpp include that room.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -35,16 +34,22 @@ const Kernels *avx512Kernels() noexcept;
 // The fastest kernels this processor runs, chosen once.
 const Kernels &bestKernels() noexcept;
 
-// Classes of bytes shared by the inner loops and the drivers.
+// Classes of bytes shared by the inner loops and the drivers. Plain arrays in a
+// struct, so that reading them calls no inline library function, which the
+// vector builds would otherwise compile with their own instruction sets.
+template <class T, size_t N> struct Table {
+    T at[N];
+};
+
 namespace tables {
 inline constexpr uint8_t kBase64Invalid = 0xFF;
 inline constexpr uint8_t kBase64Space = 0xFE; // CR, LF, space, tab: skipped
 inline constexpr uint8_t kBase64Pad = 0xFD;   // "="
-extern const std::array<uint8_t, 64> base64Alphabet;
-extern const std::array<uint8_t, 256> base64Values; // 0-63 or one of the marks above
-extern const std::array<bool, 256> quopLiteral;     // written as it stands by the encoder
-extern const std::array<uint8_t, 16> hexUpper;
-extern const std::array<int8_t, 256> hexValues; // 0-15, -1 for other bytes
+extern const Table<uint8_t, 64> base64Alphabet;
+extern const Table<uint8_t, 256> base64Values; // 0-63 or one of the marks above
+extern const Table<bool, 256> quopLiteral;     // written as it stands by the encoder
+extern const Table<uint8_t, 16> hexUpper;
+extern const Table<int8_t, 256> hexValues; // 0-15, -1 for other bytes
 } // namespace tables
 
 } // namespace rfc

@@ -20,7 +20,7 @@ struct Base64Step512 {
 
     static __m512i alphabet()
     {
-        return _mm512_loadu_si512(tables::base64Alphabet.data());
+        return _mm512_loadu_si512(tables::base64Alphabet.at);
     }
 
     // Each group of three bytes a b c goes to a 32-bit slot as b a c b; one
@@ -55,33 +55,32 @@ struct Base64Step512 {
 
     static __m512i valueTable(size_t from)
     {
-        alignas(64) static constexpr auto table = [] {
-            std::array<uint8_t, 128> t{};
+        alignas(64) static constexpr Table<uint8_t, 128> table = [] {
+            Table<uint8_t, 128> t{};
             const char *alphabet = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-            for (auto &v : t)
+            for (auto &v : t.at)
                 v = 0x80;
             for (uint8_t i = 0; i < 64; ++i)
-                t[static_cast<uint8_t>(alphabet[i])] = i;
+                t.at[static_cast<uint8_t>(alphabet[i])] = i;
             return t;
         }();
-        return _mm512_load_si512(table.data() + from);
+        return _mm512_load_si512(table.at + from);
     }
 
     // Bytes 2 1 0 of each 32-bit word, the 16 words' 48 bytes first.
     static __m512i packOrder()
     {
-        alignas(64) static constexpr auto order = [] {
-            std::array<uint8_t, 64> t{};
+        alignas(64) static constexpr Table<uint8_t, 64> order = [] {
+            Table<uint8_t, 64> t{};
             for (size_t j = 0; j < 48; ++j)
-                t[j] = static_cast<uint8_t>(j / 3 * 4 + 2 - j % 3);
+                t.at[j] = static_cast<uint8_t>(j / 3 * 4 + 2 - j % 3);
             return t;
         }();
-        return _mm512_load_si512(order.data());
+        return _mm512_load_si512(order.at);
     }
 };
 
 struct Avx512Ops : Avx2Ops {
-    static constexpr size_t kBlock = 64;
 
     static void encodeGroups(const uint8_t *in, size_t n, uint8_t *out)
     {
@@ -92,72 +91,68 @@ struct Avx512Ops : Avx2Ops {
         return Avx2::decodeRunWith<Base64Step512>(in, n, out, written);
     }
 
-    static uint64_t below(size_t length) { return length == 64 ? ~uint64_t{0} : (uint64_t{1} << length) - 1; }
-
-    // The block is cut so that it ends neither inside an escape or soft break
-    // nor after a space, tab or CR (whose fate depends on what follows). Inside
-    // it, every "=" must start an escape or "=" CR LF, no line end may stand in
-    // the first two bytes (its white space could lie before the block), and no
-    // line end may follow a space or tab (to be removed). Then the escapes are
-    // decoded in place and the bytes they and the soft breaks leave out are
-    // squeezed out with one compression.
-    static bool decodeBlock(const uint8_t *in, uint8_t *out, size_t &consumed, size_t &written)
+    // Blocks of 64 bytes at a fixed stride, so that no load waits for the
+    // previous block. Each block also reads the two bytes before it (line ends
+    // look back at their white space) and the two after it (escapes and soft
+    // breaks look ahead); bytes that an escape or soft break at its end takes
+    // from the next block are skipped there. A block falls back to the caller's
+    // loop when an "=" starts neither an escape nor "=" CR LF, or when white
+    // space stands before a line end (to be removed from output already
+    // written). Escapes decode from the views one and two bytes ahead, and one
+    // compression squeezes out what escapes and soft breaks leave out.
+    static void decodeBlocks(const uint8_t *in, size_t n, size_t &i, uint8_t *out, size_t &o, size_t &kept)
     {
-        __m512i v = _mm512_loadu_si512(in);
-        uint64_t eq = _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('='));
-        uint64_t cr = _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\r'));
-        uint64_t lf = _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\n'));
-        uint64_t ws = _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8(' ')) |
-                      _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\t'));
-        size_t length = 64;
-        for (;;) {
-            uint64_t inside = below(length);
-            uint64_t settled = ~(ws | cr) & inside;
-            size_t cut = settled ? 64 - static_cast<size_t>(__builtin_clzll(settled)) : 0;
-            uint64_t open = eq & below(cut) & ~below(cut >= 2 ? cut - 2 : 0);
-            if (open)
-                cut = static_cast<size_t>(__builtin_ctzll(open));
-            if (cut == length)
+        size_t skip = 0; // leading bytes of this block taken by the previous one
+        for (; i >= 2 && n - i >= 66; i += 64) {
+            __m512i v = _mm512_loadu_si512(in + i);
+            __m512i ahead1 = _mm512_loadu_si512(in + i + 1), ahead2 = _mm512_loadu_si512(in + i + 2);
+            __m512i back1 = _mm512_loadu_si512(in + i - 1), back2 = _mm512_loadu_si512(in + i - 2);
+            uint64_t eq = _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('='));
+            uint64_t soft = eq & _mm512_cmpeq_epi8_mask(ahead1, _mm512_set1_epi8('\r')) &
+                            _mm512_cmpeq_epi8_mask(ahead2, _mm512_set1_epi8('\n'));
+            uint64_t escape = eq & ~soft;
+            __m512i nibble1 = _mm512_setzero_si512(), nibble2 = _mm512_setzero_si512();
+            uint64_t hex = hexDigits(ahead1, nibble1) & hexDigits(ahead2, nibble2);
+            if (escape & ~hex)
                 break;
-            length = cut;
-        }
-        if (length < 16)
-            return false;
-        uint64_t inside = below(length);
-        eq &= inside;
-        lf &= inside;
-        uint64_t soft = eq & (cr >> 1) & (lf >> 2);
-        uint64_t escape = eq & ~soft;
+            uint64_t taken = (uint64_t{1} << skip) - 1;
+            uint64_t dropped = taken | escape << 1 | escape << 2 | soft | soft << 1 | soft << 2;
+            uint64_t lineEnd = _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\n')) & ~dropped;
+            uint64_t crBefore = _mm512_cmpeq_epi8_mask(back1, _mm512_set1_epi8('\r'));
+            if (lineEnd & ((crBefore & space(back2)) | (~crBefore & space(back1))))
+                break;
 
-        // Hexadecimal digits and their values.
+            __m512i value = _mm512_or_si512(_mm512_and_si512(_mm512_slli_epi16(nibble1, 4), _mm512_set1_epi8(-16)),
+                                            nibble2);
+            uint64_t keep = ~dropped;
+            _mm512_storeu_si512(out + o, _mm512_maskz_compress_epi8(keep, _mm512_mask_blend_epi8(escape, v, value)));
+            o += static_cast<size_t>(__builtin_popcountll(keep));
+            // White space and CR at the end stay open to removal by a later line end.
+            uint64_t open = space(v) | _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\r'));
+            if (uint64_t solid = (keep & ~open) | soft) {
+                uint64_t above = ~uint64_t{0} << (63 - __builtin_clzll(solid)) << 1;
+                kept = o - static_cast<size_t>(__builtin_popcountll(keep & above));
+            }
+            uint64_t reach = (escape | soft) >> 62; // bit 0: at byte 62, bit 1: at byte 63
+            skip = reach & 1 ? 1 : reach >> 1 ? 2 : 0;
+        }
+        i += skip;
+    }
+
+    static uint64_t space(__m512i v)
+    {
+        return _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8(' ')) | _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\t'));
+    }
+
+    // The mask of hexadecimal digits (either case), and their values.
+    static uint64_t hexDigits(__m512i v, __m512i &values)
+    {
         __m512i digit = _mm512_sub_epi8(v, _mm512_set1_epi8('0'));
         __m512i letter = _mm512_sub_epi8(_mm512_or_si512(v, _mm512_set1_epi8(0x20)), _mm512_set1_epi8('a'));
         uint64_t isDigit = _mm512_cmplt_epu8_mask(digit, _mm512_set1_epi8(10));
         uint64_t isLetter = _mm512_cmplt_epu8_mask(letter, _mm512_set1_epi8(6));
-        uint64_t hex = isDigit | isLetter;
-        if (escape & ~((hex >> 1) & (hex >> 2)))
-            return false;
-        uint64_t lineEnd = lf & ~(soft << 2);
-        uint64_t crBefore = cr << 1, wsBefore = ws << 1;
-        if ((lineEnd & 3) || (lineEnd & ((crBefore & (wsBefore << 1)) | (~crBefore & wsBefore))))
-            return false;
-
-        __m512i nibble = _mm512_mask_add_epi8(digit, isLetter, letter, _mm512_set1_epi8(10));
-        const __m512i next = _mm512_add_epi8(
-            _mm512_set_epi8(63, 62, 61, 60, 59, 58, 57, 56, 55, 54, 53, 52, 51, 50, 49, 48, 47, 46, 45, 44, 43, 42,
-                            41, 40, 39, 38, 37, 36, 35, 34, 33, 32, 31, 30, 29, 28, 27, 26, 25, 24, 23, 22, 21, 20, 19,
-                            18, 17, 16, 15, 14, 13, 12, 11, 10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0),
-            _mm512_set1_epi8(1));
-        __m512i high = _mm512_permutexvar_epi8(next, nibble);
-        __m512i low = _mm512_permutexvar_epi8(_mm512_add_epi8(next, _mm512_set1_epi8(1)), nibble);
-        __m512i value = _mm512_or_si512(_mm512_and_si512(_mm512_slli_epi16(high, 4), _mm512_set1_epi8(-16)), low);
-        __m512i decoded = _mm512_mask_blend_epi8(escape, v, value);
-        uint64_t dropped = escape << 1 | escape << 2 | soft | soft << 1 | soft << 2;
-        uint64_t keep = inside & ~dropped;
-        _mm512_storeu_si512(out, _mm512_maskz_compress_epi8(keep, decoded));
-        consumed = length;
-        written = static_cast<size_t>(__builtin_popcountll(keep));
-        return true;
+        values = _mm512_mask_add_epi8(digit, isLetter, letter, _mm512_set1_epi8(10));
+        return isDigit | isLetter;
     }
 };
 

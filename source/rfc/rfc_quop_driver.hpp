@@ -5,9 +5,10 @@
 //   countSpecial(in, n)           counts the bytes copyLiteral stops at
 //   copyPlain(in, n, out)         copies bytes up to the first "=" or LF; returns the count
 // and may provide
-//   decodeBlock(in, out, consumed, written)  decodes a prefix of the kBlock bytes at
-//                                 in when it can do so without looking beyond
-//                                 them and its output is final; false otherwise
+//   decodeBlocks(in, n, i, out, o, kept)  decodes whole blocks from in[i] on for as
+//                                 long as their text is regular, advancing i, o
+//                                 and kept (the output that white-space removal
+//                                 must not reach) exactly as the loop below would
 // Included by the two kernel builds only; everything here has internal linkage,
 // so each build keeps its own instructions.
 #pragma once
@@ -55,8 +56,8 @@ struct Writer {
         if (column + 3 > limit - 1 && !(lastOnLine && column + 3 <= limit))
             lineBreak(true);
         out[length] = '=';
-        out[length + 1] = tables::hexUpper[b >> 4];
-        out[length + 2] = tables::hexUpper[b & 15];
+        out[length + 1] = tables::hexUpper.at[b >> 4];
+        out[length + 2] = tables::hexUpper.at[b & 15];
         length += 3;
         column += 3;
     }
@@ -99,7 +100,7 @@ template <class Ops> size_t encodeWith(const uint8_t *in, size_t n, int64_t maxL
         if (lineEnd) {
             w.lineBreak(false);
             i += 2;
-        } else if (tables::quopLiteral[b]) {
+        } else if (tables::quopLiteral.at[b]) {
             // The line is full up to the soft break's "=": the byte still fits as
             // the last of its line, unless it is a space or tab that must be escaped.
             bool last = i + 1 == n || isHardBreakAt(in, n, i + 1);
@@ -123,16 +124,8 @@ template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *
     size_t i = 0, o = 0;
     size_t kept = 0; // output before this is final: trailing white space is not stripped below it
     for (;;) {
-        if constexpr (requires(size_t c, size_t w) { Ops::decodeBlock(in, out, c, w); }) {
-            // Whole blocks whose escapes, soft breaks and line ends need no look
-            // beyond the block; their output is final.
-            size_t consumed = 0, written = 0;
-            while (n - i >= Ops::kBlock && Ops::decodeBlock(in + i, out + o, consumed, written)) {
-                i += consumed;
-                o += written;
-                kept = o;
-            }
-        }
+        if constexpr (requires(size_t at) { Ops::decodeBlocks(in, n, at, out, at, at); })
+            Ops::decodeBlocks(in, n, i, out, o, kept);
         size_t copied = Ops::copyPlain(in + i, n - i, out + o);
         i += copied;
         o += copied;
@@ -152,8 +145,8 @@ template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *
             continue;
         }
         // "=": an escape or a soft line break.
-        if (i + 2 < n && hex[in[i + 1]] >= 0 && hex[in[i + 2]] >= 0) {
-            out[o++] = static_cast<uint8_t>(hex[in[i + 1]] << 4 | hex[in[i + 2]]);
+        if (i + 2 < n && hex.at[in[i + 1]] >= 0 && hex.at[in[i + 2]] >= 0) {
+            out[o++] = static_cast<uint8_t>(hex.at[in[i + 1]] << 4 | hex.at[in[i + 2]]);
             kept = o;
             i += 3;
             continue;

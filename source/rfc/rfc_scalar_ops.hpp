@@ -10,7 +10,7 @@ namespace {
 
 inline bool isBase64Space(uint8_t b)
 {
-    return tables::base64Values[b] == tables::kBase64Space;
+    return tables::base64Values.at[b] == tables::kBase64Space;
 }
 
 struct ScalarOps {
@@ -19,10 +19,10 @@ struct ScalarOps {
         const auto &alphabet = tables::base64Alphabet;
         for (size_t i = 0; i < n; i += 3, out += 4) {
             uint32_t v = uint32_t{in[i]} << 16 | uint32_t{in[i + 1]} << 8 | in[i + 2];
-            out[0] = alphabet[v >> 18];
-            out[1] = alphabet[v >> 12 & 63];
-            out[2] = alphabet[v >> 6 & 63];
-            out[3] = alphabet[v & 63];
+            out[0] = alphabet.at[v >> 18];
+            out[1] = alphabet.at[v >> 12 & 63];
+            out[2] = alphabet.at[v >> 6 & 63];
+            out[3] = alphabet.at[v & 63];
         }
     }
 
@@ -32,7 +32,7 @@ struct ScalarOps {
         const auto &values = tables::base64Values;
         size_t i = 0;
         for (; n - i >= 4; i += 4, out += 3) {
-            uint32_t a = values[in[i]], b = values[in[i + 1]], c = values[in[i + 2]], d = values[in[i + 3]];
+            uint32_t a = values.at[in[i]], b = values.at[in[i + 1]], c = values.at[in[i + 2]], d = values.at[in[i + 3]];
             if ((a | b | c | d) >= 64) // a mark, not a value
                 break;
             uint32_t v = a << 18 | b << 12 | c << 6 | d;
@@ -65,7 +65,7 @@ struct ScalarOps {
     {
         size_t i = 0;
         max = max < n ? max : n;
-        while (i < max && tables::quopLiteral[in[i]]) {
+        while (i < max && tables::quopLiteral.at[in[i]]) {
             out[i] = in[i];
             ++i;
         }
@@ -76,7 +76,7 @@ struct ScalarOps {
     {
         size_t count = 0;
         for (size_t i = 0; i < n; ++i)
-            count += !tables::quopLiteral[in[i]];
+            count += !tables::quopLiteral.at[in[i]];
         return count;
     }
 
