@@ -4,8 +4,12 @@
 #define MIME_H
 
 #include <mime/mime_api.h>
+#include <mime/mime_char.h>
 #include <mime/mime_encode_flags.h>
 #include <mime/mime_flags.h>
 #include <mime/mime_module.h>
+#include <mime/mime_options.h>
+#include <mime/mime_shf_token.h>
+#include <mime/mime_shf_token_vector.h>
 
 #endif

@@ -1,0 +1,55 @@
+// Internal: the character classes as one table of class bits, for the lexer's
+// and the codecs' inner loops; the exported tests of mime_char.h read it too.
+#pragma once
+
+#include <pb/pb_types.h>
+
+#include <cstdint>
+#include <initializer_list>
+
+namespace mime::chars {
+
+enum Class : uint16_t {
+    kAlpha = 1 << 0,
+    kDigit = 1 << 1,
+    kCtl = 1 << 2,
+    kTspecial = 1 << 3,
+    kBcharNospace = 1 << 4,
+    kLwsp = 1 << 5,
+    // A character that ends a token: a tspecial, a space or a control character.
+    kTokenEnd = 1 << 6,
+};
+
+struct ClassTable {
+    uint16_t at[128];
+};
+
+constexpr ClassTable makeClassTable()
+{
+    ClassTable t{};
+    for (int c = 'A'; c <= 'Z'; ++c) {
+        t.at[c] |= kAlpha | kBcharNospace;
+        t.at[c + 32] |= kAlpha | kBcharNospace;
+    }
+    for (int c = '0'; c <= '9'; ++c)
+        t.at[c] |= kDigit | kBcharNospace;
+    for (int c = 0; c < 32; ++c)
+        t.at[c] |= kCtl | kTokenEnd;
+    t.at[127] |= kCtl | kTokenEnd;
+    for (char c : {'(', ')', '<', '>', '@', ',', ';', ':', '\\', '"', '/', '[', ']', '?', '='})
+        t.at[static_cast<uint8_t>(c)] |= kTspecial | kTokenEnd;
+    for (char c : {'\'', '(', ')', '+', '_', ',', '-', '.', '/', ':', '=', '?'})
+        t.at[static_cast<uint8_t>(c)] |= kBcharNospace;
+    t.at[static_cast<uint8_t>(' ')] |= kLwsp | kTokenEnd;
+    t.at[static_cast<uint8_t>('\t')] |= kLwsp;
+    return t;
+}
+
+inline constexpr ClassTable kClassTable = makeClassTable();
+
+constexpr bool is(PB_CHAR c, uint16_t classes)
+{
+    return c < 128 && (kClassTable.at[c] & classes) != 0;
+}
+
+} // namespace mime::chars

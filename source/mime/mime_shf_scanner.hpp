@@ -1,0 +1,46 @@
+// Internal: the lexer of structured header-field values, as a scanner over
+// spans of the text. mimeShfTokenVectorTryDecode wraps its pieces into token
+// objects; header decoders that need only positions can walk the text with it
+// directly, under the same rules.
+//
+// Between pieces, spaces, tabs, line breaks and other control characters are
+// skipped. A piece is a quoted string ("..."), a domain literal ([...]), a
+// comment ((...), nested), a single other tspecial, or a token (up to the next
+// tspecial, space or control character). Inside delimited pieces a backslash
+// takes the next character, and a CR must start a fold (CR LF and a space or
+// tab). The text is invalid when a delimited piece is not closed, ends in a
+// backslash, holds a CR that starts no fold, or (a domain literal) holds an
+// unescaped "[".
+#pragma once
+
+#include <mime/mime_shf_token.h>
+
+namespace mime {
+
+struct ShfPiece {
+    PB_INT start;
+    PB_INT length;
+    MIME_SHF_TOKEN_TYPE type;
+};
+
+class ShfScanner {
+public:
+    enum class Step { Piece, End, Invalid };
+
+    ShfScanner(const PB_CHAR *chars, PB_INT length) noexcept : chars_(chars), length_(length) {}
+
+    // The next piece, or the end of the text, or Invalid (after which the
+    // scanner stays where it failed).
+    Step next(ShfPiece &piece) noexcept;
+
+private:
+    // Scans the delimited piece opening at from; its end (one past the closing
+    // character), or -1 when the piece is invalid.
+    PB_INT delimitedEnd(PB_INT from, PB_CHAR close, bool comment) const noexcept;
+
+    const PB_CHAR *chars_;
+    PB_INT length_;
+    PB_INT at_ = 0;
+};
+
+} // namespace mime

@@ -1,0 +1,187 @@
+#include <mime/mime_char.h>
+#include <mime/mime_char.hpp>
+#include <mime/mime_object.hpp>
+#include <mime/mime_shf_token.h>
+#include <mime/mime_shf_token.hpp>
+
+#include <vector>
+
+struct MIME_SHF_TOKEN {
+    PB_OBJ_HEADER header;
+    MIME_SHF_TOKEN_TYPE type;
+    PB_STRING *rawValue;
+};
+
+namespace {
+
+extern "C" {
+static void mime___ShfTokenFreeFunc(PB_OBJ *obj) noexcept;
+}
+
+} // namespace
+
+MIME___SORT_DEFINE(ShfToken, MIME_SHF_TOKEN, mime___ShfTokenFreeFunc, nullptr, nullptr)
+
+namespace {
+
+using namespace mime::chars;
+
+void mime___ShfTokenFreeFunc(PB_OBJ *obj) noexcept
+{
+    MIME_SHF_TOKEN *tok = mimeShfTokenFrom(obj);
+    PB_ASSERT( tok );
+    pb::releaseField(tok->rawValue);
+}
+
+// Adopts rawValue.
+MIME_SHF_TOKEN *createAdopting(MIME_SHF_TOKEN_TYPE type, PB_STRING *rawValue)
+{
+    auto *tok = pb::create<MIME_SHF_TOKEN>(mimeShfTokenSort());
+    tok->type = type;
+    tok->rawValue = rawValue;
+    return tok;
+}
+
+PB_STRING *stringOf(const std::vector<PB_CHAR> &chars)
+{
+    return pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size()));
+}
+
+// Well formed between delimiters open and close at both ends: a backslash takes
+// the next inner character and is not last; an unescaped open (when nesting) or
+// close changes the depth, which must not go below 0 and ends at 0; an unescaped
+// open that does not nest, or close, spoils the form.
+bool isDelimited(const PB_CHAR *c, PB_INT n, PB_CHAR open, PB_CHAR close, bool nests, bool openSpoils)
+{
+    if (n < 2 || c[0] != open || c[n - 1] != close)
+        return false;
+    PB_INT depth = 0;
+    for (PB_INT i = 1; i < n - 1; ++i) {
+        if (c[i] == '\\') {
+            if (++i == n - 1)
+                return false;
+        } else if (c[i] == open && nests) {
+            ++depth;
+        } else if (c[i] == close) {
+            if (!nests || depth == 0)
+                return false;
+            --depth;
+        } else if (c[i] == open && openSpoils) {
+            return false;
+        }
+    }
+    return depth == 0;
+}
+
+bool isPlainToken(const PB_CHAR *c, PB_INT n)
+{
+    if (n == 0)
+        return false;
+    for (PB_INT i = 0; i < n; ++i)
+        if (is(c[i], kTokenEnd))
+            return false;
+    return true;
+}
+
+} // namespace
+
+MIME_SHF_TOKEN *mime::shfTokenCreateScanned(MIME_SHF_TOKEN_TYPE type, const PB_CHAR *chars, PB_INT length) noexcept
+{
+    return createAdopting(type, pbStringCreateFromCharsCopy(chars, length));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateTspecial(PB_CHAR tspecial) noexcept
+{
+    PB_ASSERT( mime___CharIsTspecial( tspecial ) );
+    return createAdopting(MIME_SHF_TOKEN_TYPE_TSPECIAL, pbStringCreateFromCharsCopy(&tspecial, 1));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedString(PB_STRING *tokenOrQuotedString) noexcept
+{
+    PB_ASSERT( tokenOrQuotedString );
+    const PB_CHAR *c = pbStringBacking(tokenOrQuotedString);
+    PB_INT n = pbStringLength(tokenOrQuotedString);
+    if (isPlainToken(c, n))
+        return createAdopting(MIME_SHF_TOKEN_TYPE_TOKEN, pbStringCreateFromCharsCopy(c, n));
+    std::vector<PB_CHAR> quoted;
+    quoted.reserve(static_cast<size_t>(n) + 2);
+    quoted.push_back('"');
+    for (PB_INT i = 0; i < n; ++i) {
+        if (c[i] == '\r' || c[i] == '"' || c[i] == '\\')
+            quoted.push_back('\\');
+        quoted.push_back(c[i]);
+    }
+    quoted.push_back('"');
+    return createAdopting(MIME_SHF_TOKEN_TYPE_QUOTED_STRING, stringOf(quoted));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) noexcept
+{
+    PB_ASSERT( comment );
+    const PB_CHAR *c = pbStringBacking(comment);
+    PB_INT n = pbStringLength(comment);
+    std::vector<PB_CHAR> raw;
+    raw.reserve(static_cast<size_t>(n) + 2);
+    raw.push_back('(');
+    for (PB_INT i = 0; i < n; ++i) {
+        if (c[i] == '\r' || c[i] == '\n' || is(c[i], kTspecial))
+            raw.push_back('\\');
+        raw.push_back(c[i]);
+    }
+    raw.push_back(')');
+    return createAdopting(MIME_SHF_TOKEN_TYPE_COMMENT, stringOf(raw));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateRawValue(PB_STRING *rawValue) noexcept
+{
+    PB_ASSERT( rawValue );
+    const PB_CHAR *c = pbStringBacking(rawValue);
+    PB_INT n = pbStringLength(rawValue);
+    MIME_SHF_TOKEN_TYPE type;
+    if (n == 1 && is(c[0], kTspecial))
+        type = MIME_SHF_TOKEN_TYPE_TSPECIAL;
+    else if (isDelimited(c, n, '"', '"', false, false))
+        type = MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
+    else if (isDelimited(c, n, '[', ']', false, true))
+        type = MIME_SHF_TOKEN_TYPE_DOMAIN_LITERAL;
+    else if (isDelimited(c, n, '(', ')', true, false))
+        type = MIME_SHF_TOKEN_TYPE_COMMENT;
+    else if (isPlainToken(c, n))
+        type = MIME_SHF_TOKEN_TYPE_TOKEN;
+    else
+        pb___Abort(nullptr, __FILE__, __LINE__, nullptr);
+    pb::retain(rawValue);
+    return createAdopting(type, rawValue);
+}
+
+MIME_SHF_TOKEN_TYPE mimeShfTokenType(MIME_SHF_TOKEN *tok) noexcept
+{
+    PB_ASSERT( tok );
+    return tok->type;
+}
+
+PB_STRING *mimeShfTokenRawValue(MIME_SHF_TOKEN *tok) noexcept
+{
+    PB_ASSERT( tok );
+    pb::retain(tok->rawValue);
+    return tok->rawValue;
+}
+
+PB_STRING *mimeShfTokenValue(MIME_SHF_TOKEN *tok) noexcept
+{
+    PB_ASSERT( tok );
+    if (tok->type == MIME_SHF_TOKEN_TYPE_TSPECIAL || tok->type == MIME_SHF_TOKEN_TYPE_TOKEN)
+        return mimeShfTokenRawValue(tok);
+    const PB_CHAR *inner = pbStringBacking(tok->rawValue) + 1;
+    PB_INT length = pbStringLength(tok->rawValue) - 2;
+    std::vector<PB_CHAR> value;
+    value.reserve(static_cast<size_t>(length));
+    for (PB_INT i = 0; i < length; ++i) {
+        if (inner[i] == '\\') {
+            PB_ASSERT( i<length-1 );
+            ++i;
+        }
+        value.push_back(inner[i]);
+    }
+    return stringOf(value);
+}

@@ -1,0 +1,160 @@
+// The options object: defaults and marks, normalisation, copy before change with
+// shared codec option objects, the order of comparison, and the preconditions.
+#include "abort.hpp"
+#include "pb_text.hpp"
+
+#include <gtest/gtest.h>
+#include <mime/mime.h>
+
+#include <functional>
+
+using namespace test;
+
+namespace {
+
+Ref<MIME_OPTIONS> fresh()
+{
+    return adopt(mimeOptionsCreate());
+}
+
+// Each setting's is-default query with a setter that stores its default value.
+struct Setting {
+    const char *name;
+    int (*isDefault)(MIME_OPTIONS *);
+    std::function<void(MIME_OPTIONS **)> setToDefaultValue;
+    void (*reset)(MIME_OPTIONS **);
+};
+
+std::vector<Setting> settings()
+{
+    return {
+        {"flags", mimeOptionsFlagsDefault, [](MIME_OPTIONS **mo) { mimeOptionsSetFlags(mo, 3); },
+         mimeOptionsSetFlagsDefault},
+        {"wrapLineLength", mimeOptionsWrapLineLengthDefault,
+         [](MIME_OPTIONS **mo) { mimeOptionsSetWrapLineLength(mo, 76); }, mimeOptionsSetWrapLineLengthDefault},
+        {"rfc2231Charset", mimeOptionsRfc2231CharsetDefault,
+         [](MIME_OPTIONS **mo) { mimeOptionsSetRfc2231Charset(mo, PB_CHARSET_UTF_8); },
+         mimeOptionsSetRfc2231CharsetDefault},
+        {"rfc2231MaxSegmentLength", mimeOptionsRfc2231MaxSegmentLengthDefault,
+         [](MIME_OPTIONS **mo) { mimeOptionsSetRfc2231MaxSegmentLength(mo, 60); },
+         mimeOptionsSetRfc2231MaxSegmentLengthDefault},
+        {"rfcBaseOptions", mimeOptionsRfcBaseOptionsDefault,
+         [](MIME_OPTIONS **mo) {
+             Ref<RFC_BASE_OPTIONS> bo = adopt(mimeOptionsRfcBaseOptions(*mo));
+             mimeOptionsSetRfcBaseOptions(mo, bo.get());
+         },
+         mimeOptionsSetRfcBaseOptionsDefault},
+        {"rfcQuopOptions", mimeOptionsRfcQuopOptionsDefault,
+         [](MIME_OPTIONS **mo) {
+             Ref<RFC_QUOP_OPTIONS> qo = adopt(mimeOptionsRfcQuopOptions(*mo));
+             mimeOptionsSetRfcQuopOptions(mo, qo.get());
+         },
+         mimeOptionsSetRfcQuopOptionsDefault},
+    };
+}
+
+} // namespace
+
+TEST(Options, Defaults)
+{
+    Ref<MIME_OPTIONS> mo = fresh();
+    EXPECT_EQ(mimeOptionsFlags(mo.get()), MIME_FLAG_PARSE_RFC2231_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS);
+    EXPECT_EQ(mimeOptionsWrapLineLength(mo.get()), 76);
+    EXPECT_EQ(mimeOptionsRfc2231Charset(mo.get()), 44);
+    EXPECT_EQ(mimeOptionsRfc2231MaxSegmentLength(mo.get()), 60);
+    Ref<RFC_BASE_OPTIONS> bo = adopt(mimeOptionsRfcBaseOptions(mo.get()));
+    EXPECT_EQ(rfcBaseOptionsOutputLineLength(bo.get()), 76);
+    Ref<RFC_QUOP_OPTIONS> qo = adopt(mimeOptionsRfcQuopOptions(mo.get()));
+    EXPECT_EQ(rfcQuopOptionsCompare(qo.get(), adopt(rfcQuopOptionsCreate()).get()), 0);
+    for (const Setting &s : settings())
+        EXPECT_NE(s.isDefault(mo.get()), 0) << s.name;
+    EXPECT_EQ(mimeOptionsCompare(mo.get(), fresh().get()), 0);
+    EXPECT_EQ(text(mimeOptionsObj(mo.get())).rfind("MIME_OPTIONS@", 0), 0u);
+}
+
+// Setting a value equal to the default still marks it set: the object then
+// differs from a new one until the reset.
+TEST(Options, MarksDecideComparison)
+{
+    for (const Setting &s : settings()) {
+        Ref<MIME_OPTIONS> mo = fresh();
+        s.setToDefaultValue(mo.addr());
+        EXPECT_EQ(s.isDefault(mo.get()), 0) << s.name;
+        EXPECT_EQ(mimeOptionsCompare(mo.get(), fresh().get()), -1) << s.name << ": mark 0 orders first";
+        EXPECT_EQ(mimeOptionsCompare(fresh().get(), mo.get()), 1) << s.name;
+        s.reset(mo.addr());
+        EXPECT_NE(s.isDefault(mo.get()), 0) << s.name;
+        EXPECT_EQ(mimeOptionsCompare(mo.get(), fresh().get()), 0) << s.name;
+    }
+}
+
+// Settings are compared in field order: an earlier difference decides.
+TEST(Options, ComparisonOrder)
+{
+    Ref<MIME_OPTIONS> a = fresh(), b = fresh();
+    mimeOptionsSetWrapLineLength(a.addr(), 10);
+    mimeOptionsSetWrapLineLength(b.addr(), 20);
+    mimeOptionsSetRfc2231MaxSegmentLength(a.addr(), 90);
+    mimeOptionsSetRfc2231MaxSegmentLength(b.addr(), 5);
+    EXPECT_EQ(mimeOptionsCompare(a.get(), b.get()), -1);
+    mimeOptionsSetWrapLineLength(b.addr(), 10);
+    EXPECT_EQ(mimeOptionsCompare(a.get(), b.get()), 1);
+    Ref<RFC_BASE_OPTIONS> wide = adopt(rfcBaseOptionsCreate());
+    rfcBaseOptionsSetOutputLineLength(wide.addr(), 100);
+    mimeOptionsSetRfc2231MaxSegmentLength(b.addr(), 90);
+    mimeOptionsSetRfcBaseOptions(a.addr(), wide.get());
+    mimeOptionsSetRfcBaseOptions(b.addr(), adopt(rfcBaseOptionsCreate()).get());
+    EXPECT_EQ(mimeOptionsCompare(a.get(), b.get()), 1) << "through the codec options' own order";
+}
+
+TEST(Options, FlagsAreNormalised)
+{
+    Ref<MIME_OPTIONS> mo = fresh();
+    mimeOptionsSetFlags(mo.addr(), MIME_FLAG_GENERATE_UNICODE_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS | 256);
+    EXPECT_EQ(mimeOptionsFlags(mo.get()), MIME_FLAG_GENERATE_RFC2231_HEADERS);
+}
+
+TEST(Options, CopyBeforeChangeSharesCodecOptions)
+{
+    Ref<MIME_OPTIONS> a = fresh();
+    Ref<MIME_OPTIONS> b = pb::retained(a.get());
+    mimeOptionsSetWrapLineLength(b.addr(), -1);
+    ASSERT_NE(a.get(), b.get());
+    EXPECT_EQ(mimeOptionsWrapLineLength(a.get()), 76);
+    EXPECT_EQ(mimeOptionsWrapLineLength(b.get()), -1);
+    Ref<RFC_BASE_OPTIONS> boA = adopt(mimeOptionsRfcBaseOptions(a.get())), boB = adopt(mimeOptionsRfcBaseOptions(b.get()));
+    EXPECT_EQ(boA.get(), boB.get()) << "the copy shares the codec options";
+
+    Ref<RFC_BASE_OPTIONS> mine = adopt(rfcBaseOptionsCreate());
+    mimeOptionsSetRfcBaseOptions(b.addr(), mine.get());
+    EXPECT_EQ(adopt(mimeOptionsRfcBaseOptions(b.get())).get(), mine.get()) << "the caller's object itself";
+    mimeOptionsSetRfcBaseOptionsDefault(b.addr());
+    Ref<RFC_BASE_OPTIONS> reset = adopt(mimeOptionsRfcBaseOptions(b.get()));
+    EXPECT_NE(reset.get(), mine.get());
+    EXPECT_EQ(rfcBaseOptionsOutputLineLength(reset.get()), 76);
+    EXPECT_EQ(rfcBaseOptionsOutputLineLength(mine.get()), -1) << "the caller's object is left alone";
+    EXPECT_EQ(adopt(mimeOptionsRfcBaseOptions(a.get())).get(), boA.get());
+
+    MIME_OPTIONS *sole = b.get();
+    mimeOptionsSetRfc2231Charset(b.addr(), 50);
+    EXPECT_EQ(b.get(), sole) << "a sole reference changes in place";
+}
+
+using OptionsDeathTest = testing::Test;
+
+TEST(OptionsDeathTest, Preconditions)
+{
+    const char *file = "source/mime/mime_options.cpp";
+    Ref<MIME_OPTIONS> mo = fresh();
+    MIME_OPTIONS *none = nullptr;
+    EXPECT_DEATH(mimeOptionsSetWrapLineLength(mo.addr(), -2), assertion(file, "wrapLineLength >= -1"));
+    EXPECT_DEATH(mimeOptionsSetRfc2231MaxSegmentLength(mo.addr(), 0),
+                 assertion(file, "maxSegmentLength == -1 || maxSegmentLength > 0"));
+    EXPECT_DEATH(mimeOptionsSetRfc2231Charset(mo.addr(), 51), assertion(file, "PB_CHARSET_OK( charset )"));
+    EXPECT_DEATH(mimeOptionsSetRfc2231Charset(mo.addr(), -1), assertion(file, "PB_CHARSET_OK( charset )"));
+    EXPECT_DEATH(mimeOptionsSetRfcBaseOptions(mo.addr(), nullptr), assertion(file, "bo"));
+    EXPECT_DEATH(mimeOptionsSetFlags(nullptr, 0), assertion(file, "mo"));
+    EXPECT_DEATH(mimeOptionsSetFlagsDefault(&none), assertion(file, "*mo"));
+    EXPECT_DEATH(mimeOptionsWrapLineLength(nullptr), assertion(file, "mo"));
+    EXPECT_DEATH(mimeOptionsCreateFrom(nullptr), assertion(file, "source"));
+}
