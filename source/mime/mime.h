@@ -5,6 +5,8 @@
 
 #include <mime/mime_api.h>
 #include <mime/mime_char.h>
+#include <mime/mime_content_id.h>
+#include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_encode_flags.h>
 #include <mime/mime_flags.h>
 #include <mime/mime_module.h>

@@ -1,9 +1,12 @@
-// Header-field lexing over a mix of realistic values (tokens per second), comment
-// removal, and the folding encoder on long values.
+// Header-field work: lexing over a mix of realistic values (tokens per second),
+// comment removal, the folding encoder on long values, and the 7bit body check
+// (bytes per second, beside memchr over the same bytes).
 #include <benchmark/benchmark.h>
 #include <mime/mime.h>
 #include <pb/pb_ref.hpp>
 
+#include <cstring>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -75,5 +78,37 @@ void foldLongValue(benchmark::State &state)
     state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(value.size()));
 }
 BENCHMARK(foldLongValue)->Arg(4)->Arg(100)->Arg(10000);
+
+// Mail text: CR LF lines of 20 to 100 ASCII characters.
+std::string mailLines(size_t n)
+{
+    std::mt19937_64 rng(3);
+    std::string s;
+    while (s.size() < n) {
+        for (size_t i = 20 + rng() % 81; i > 0; --i)
+            s += static_cast<char>(' ' + rng() % 95);
+        s += "\r\n";
+    }
+    return s;
+}
+
+void sevenBitCheck(benchmark::State &state)
+{
+    std::string body = mailLines(static_cast<size_t>(state.range(0)));
+    Ref<PB_BUFFER> buf = adopt(pbBufferCreateFromBytesCopy(body.data(), static_cast<PB_INT>(body.size())));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(mimeContentTransferEncodingCheck(MIME_CONTENT_TRANSFER_ENCODING_7BIT, buf.get()));
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(body.size()));
+}
+BENCHMARK(sevenBitCheck)->Arg(64 << 10)->Arg(32 << 20);
+
+void memchrReference(benchmark::State &state)
+{
+    std::string body = mailLines(static_cast<size_t>(state.range(0)));
+    for (auto _ : state)
+        benchmark::DoNotOptimize(std::memchr(body.data(), 0, body.size()));
+    state.SetBytesProcessed(state.iterations() * static_cast<int64_t>(body.size()));
+}
+BENCHMARK(memchrReference)->Arg(64 << 10)->Arg(32 << 20);
 
 } // namespace

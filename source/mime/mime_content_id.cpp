@@ -1,0 +1,47 @@
+#include <mime/mime_char.hpp>
+#include <mime/mime_content_id.h>
+#include <pb/pb_abort.h>
+#include <pb/pb_identifier.h>
+
+using namespace mime::chars;
+
+PB_BOOL mimeContentIdOk(PB_STRING *cid) noexcept
+{
+    PB_ASSERT( cid );
+    const PB_CHAR *c = pbStringBacking(cid);
+    PB_INT n = pbStringLength(cid);
+    for (PB_INT i = 0; i < n; ++i)
+        if (is(c[i], kCtl))
+            return PB_FALSE;
+    return n > 0;
+}
+
+PB_STRING *mimeContentIdGenerate(void) noexcept
+{
+    return pbStringCreateFromFormatCstr("%~o@%~o", -1, pbIdentifierObj(pbIdentifierCreate()),
+                                        pbIdentifierObj(pbIdentifierCreate()));
+}
+
+PB_STRING *mimeContentIdEncode(PB_STRING *cid) noexcept
+{
+    PB_ASSERT( mimeContentIdOk( cid ) );
+    return pbStringCreateFromFormatCstr("<%s>", -1, cid);
+}
+
+PB_STRING *mimeContentIdTryDecode(PB_STRING *raw) noexcept
+{
+    PB_ASSERT( raw );
+    const PB_CHAR *c = pbStringBacking(raw);
+    PB_INT begin = 0, end = pbStringLength(raw);
+    while (begin < end && is(c[begin], kLwsp))
+        ++begin;
+    while (end > begin && is(c[end - 1], kLwsp))
+        --end;
+    if (end - begin < 3 || c[begin] != '<' || c[end - 1] != '>')
+        return nullptr;
+    PB_STRING *cid = pbStringCreateFromInner(raw, begin + 1, end - begin - 2);
+    if (mimeContentIdOk(cid))
+        return cid;
+    pbStringRelease(cid);
+    return nullptr;
+}
