@@ -5,12 +5,15 @@
 
 #include <mime/mime_api.h>
 #include <mime/mime_char.h>
+#include <mime/mime_content_disposition.h>
 #include <mime/mime_content_id.h>
 #include <mime/mime_content_transfer_encoding.h>
+#include <mime/mime_content_type.h>
 #include <mime/mime_encode_flags.h>
 #include <mime/mime_flags.h>
 #include <mime/mime_module.h>
 #include <mime/mime_options.h>
+#include <mime/mime_parameterized.h>
 #include <mime/mime_shf_token.h>
 #include <mime/mime_shf_token_vector.h>
 

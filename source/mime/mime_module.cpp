@@ -1,3 +1,5 @@
+#include <mime/mime_content_disposition.h>
+#include <mime/mime_content_type.h>
 #include <mime/mime_encode_flags.h>
 #include <mime/mime_flags.h>
 #include <mime/mime_module.h>
@@ -15,6 +17,8 @@ static void mime___ModuleShutdown(void) noexcept;
 // Start-up builds the read-only tables; shut-down releases them in reverse.
 PB_BOOL mime___ModuleStartup(void) noexcept
 {
+    mime___ContentDispositionStartup();
+    mime___ContentTypeStartup();
     mime___EncodeFlagsStartup();
     mime___FlagsStartup();
     return PB_TRUE;
@@ -24,6 +28,8 @@ void mime___ModuleShutdown(void) noexcept
 {
     mime___FlagsShutdown();
     mime___EncodeFlagsShutdown();
+    mime___ContentTypeShutdown();
+    mime___ContentDispositionShutdown();
 }
 
 } // namespace
