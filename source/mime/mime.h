@@ -14,6 +14,7 @@
 #include <mime/mime_module.h>
 #include <mime/mime_options.h>
 #include <mime/mime_parameterized.h>
+#include <mime/mime_rfc2231.h>
 #include <mime/mime_shf_token.h>
 #include <mime/mime_shf_token_vector.h>
 

@@ -13,6 +13,7 @@
 #ifndef MIME_CONTENT_DISPOSITION_H
 #define MIME_CONTENT_DISPOSITION_H
 
+#include <mime/mime_options.h>
 #include <mime/mime_parameterized.h>
 
 PB_BEGIN_DECLS
@@ -20,6 +21,16 @@ PB_BEGIN_DECLS
 typedef struct MIME_CONTENT_DISPOSITION MIME_CONTENT_DISPOSITION;
 
 MIME___PARAMETERIZED_DECL(ContentDisposition, MIME_CONTENT_DISPOSITION, Type)
+
+/* The Content-Disposition a header value holds, or null: a type (a token or
+ * quoted string accepted by the type rule), then parameters read as by
+ * mimeContentTypeTryDecode, with the same RFC 2231 flag. */
+MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME_OPTIONS *mo) PB_NOEXCEPT;
+/* The header value: the registered spelling of the type, then the parameters as
+ * mimeContentTypeEncode writes them; firstLineOffset is 21 for
+ * "Content-Disposition: ". */
+MIME_API PB_STRING *mimeContentDispositionEncode(MIME_CONTENT_DISPOSITION *contentDisposition, MIME_OPTIONS *mo,
+                                                 PB_INT firstLineOffset) PB_NOEXCEPT;
 
 PB_END_DECLS
 

@@ -1,6 +1,8 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_content_type.h>
+#include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
+#include <mime/mime_shf_token_vector.h>
 
 struct MIME_CONTENT_TYPE {
     PB_OBJ_HEADER header;
@@ -40,4 +42,58 @@ void mime___ContentTypeStartup(void) noexcept
         "application/EmergencyCallData.eCall.MSD",
     };
     mime___ContentTypeNameWireFormatDict = mime::parameterized::wireFormatTable(registered, std::size(registered));
+}
+
+namespace {
+
+constexpr mime::parameters::Target<MIME_CONTENT_TYPE> kTarget{mimeContentTypeParameterKeyOk, mimeContentTypeSetParameter,
+                                                              mimeContentTypeParametersDict,
+                                                              mimeContentTypeClearParameters};
+
+} // namespace
+
+MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) noexcept
+{
+    using namespace mime::parameters;
+    PB_ASSERT( contentType );
+    PB_ASSERT( mo );
+    pb::Ref<PB_VECTOR> tokens = pb::adopt(mimeShfTokenVectorTryDecode(contentType));
+    if (!tokens)
+        return nullptr;
+    mimeShfTokenVectorDelComments(tokens.addr());
+    if (pbVectorLength(tokens.get()) < 3)
+        return nullptr;
+    pb::Ref<MIME_SHF_TOKEN> type = pb::adopt(tokenAt(tokens.get(), 0)), slash = pb::adopt(tokenAt(tokens.get(), 1)),
+                            subtype = pb::adopt(tokenAt(tokens.get(), 2));
+    if (!isWord(type.get()) || !isTspecial(slash.get(), '/') || !isWord(subtype.get()))
+        return nullptr;
+    pb::Ref<PB_STRING> name = pb::adopt(pbStringCreateFromFormatCstr("%~s/%~s", -1, mimeShfTokenValue(type.get()),
+                                                                     mimeShfTokenValue(subtype.get())));
+    if (!mimeContentTypeNameOk(name.get()))
+        return nullptr;
+    pb::Ref<MIME_CONTENT_TYPE> result = pb::adopt(mimeContentTypeCreate(name.get()));
+    decodeInto(result.addr(), tokens.get(), 3, mo, kTarget);
+    return result.release();
+}
+
+PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *mo, PB_INT firstLineOffset) noexcept
+{
+    PB_ASSERT( contentType );
+    PB_ASSERT( mo );
+    pb::Ref<PB_STRING> wire = pb::adopt(mimeContentTypeNameToWireFormat(contentType->name));
+    pb::Ref<PB_VECTOR> parts = pb::adopt(pbStringSplitChar(wire.get(), '/', -1));
+    PB_VECTOR *typeVector = parts.get();
+    PB_ASSERT( pbVectorLength( typeVector ) == 2 );
+    pb::Ref<PB_VECTOR> tokens = pb::adopt(pbVectorCreate());
+    for (PB_INT part = 0; part < 2; ++part) {
+        if (part == 1) {
+            pb::Ref<MIME_SHF_TOKEN> slash = pb::adopt(mimeShfTokenCreateTspecial('/'));
+            pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(slash.get()));
+        }
+        pb::Ref<PB_STRING> text = pb::adopt(pbStringFrom(pbVectorObjAt(typeVector, part)));
+        pb::Ref<MIME_SHF_TOKEN> tok = pb::adopt(mimeShfTokenCreateRawValue(text.get()));
+        pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(tok.get()));
+    }
+    mime::parameters::write(tokens.addr(), contentType->parameters, mo);
+    return mimeShfTokenVectorEncode(tokens.get(), mo, firstLineOffset);
 }
