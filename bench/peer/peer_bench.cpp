@@ -5,6 +5,7 @@
 // seconds (0.3 by default) have passed; COUNT > 0 runs exactly COUNT passes.
 // One untimed pass runs first and its output is checked. Each pass goes through
 // the public interface: a new output buffer from an input buffer.
+#include <mime/mime.h>
 #include <pb/pb.h>
 #include <rfc/rfc.h>
 
@@ -16,6 +17,7 @@
 #include <functional>
 #include <iterator>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -80,6 +82,56 @@ void bulk(PB_BUFFER *input, size_t bytesPerPass, long count, const char *note,
     std::printf("RESULT %s bytes %.0f %.6f %s\n", workload, double(bytesPerPass) * double(passes), seconds, note);
 }
 
+// The canonical dump of a Content-Type: name;key=value... in key order, UTF-8.
+std::string canonical(MIME_CONTENT_TYPE *type)
+{
+    auto utf8 = [](PB_STRING *s) {
+        PB_INT n = 0;
+        char *text = pbStringConvertToCstr(s, 0, &n);
+        std::string out(text, static_cast<size_t>(n));
+        pbMemFree(text);
+        pbStringRelease(s);
+        return out;
+    };
+    std::string out = utf8(mimeContentTypeName(type));
+    for (PB_INT i = 0; i < mimeContentTypeParametersLength(type); ++i)
+        out += ";" + utf8(mimeContentTypeParameterKeyAt(type, i)) + "=" + utf8(mimeContentTypeParameterValueAt(type, i));
+    return out;
+}
+
+// Decodes count values, cycling through the eight of ct.txt, with RFC 2231 decoding on.
+void ctParse(const std::string &dir, long count)
+{
+    std::vector<PB_STRING *> values;
+    std::string all = load(dir, "ct.txt"), expected = load(dir, "ct.expected");
+    for (size_t at = 0, end; (end = all.find('\n', at)) != std::string::npos; at = end + 1)
+        values.push_back(pbStringCreateFromCstr(all.data() + at, static_cast<PB_INT>(end - at)));
+    MIME_OPTIONS *mo = mimeOptionsCreate();
+    int matches = 0;
+    size_t line = 0;
+    for (PB_STRING *value : values) {
+        MIME_CONTENT_TYPE *type = mimeContentTypeTryDecode(value, mo);
+        size_t end = expected.find('\n', line);
+        if (type && canonical(type) == expected.substr(line, end - line))
+            ++matches;
+        else
+            std::fprintf(stderr, "ct value %zu differs\n", line);
+        line = end + 1;
+        if (type)
+            mimeContentTypeRelease(type);
+    }
+    if (count <= 0)
+        count = 1000000;
+    auto start = std::chrono::steady_clock::now();
+    for (long i = 0; i < count; ++i)
+        mimeContentTypeRelease(mimeContentTypeTryDecode(values[static_cast<size_t>(i) % values.size()], mo));
+    double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::printf("RESULT %s ops %ld %.6f match=%d/%zu\n", workload, count, seconds, matches, values.size());
+    for (PB_STRING *value : values)
+        pbStringRelease(value);
+    mimeOptionsRelease(mo);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -128,6 +180,10 @@ int main(int argc, char **argv)
             if (!equals(out, raw))
                 fail("decoded bytes differ from qp.txt");
         });
+    } else if (w == "ct-parse") {
+        pbModuleStartup(mimeModule());
+        ctParse(dir, count);
+        pbModuleShutdown(mimeModule());
     } else {
         std::printf("SKIP %s not built yet\n", workload);
     }

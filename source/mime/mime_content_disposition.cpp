@@ -36,30 +36,22 @@ void mime___ContentDispositionStartup(void) noexcept
 namespace {
 
 constexpr mime::parameters::Target<MIME_CONTENT_DISPOSITION> kTarget{
-    mimeContentDispositionParameterKeyOk, mimeContentDispositionSetParameter, mimeContentDispositionParametersDict,
-    mimeContentDispositionClearParameters};
+    mime___ContentDispositionSetNormalizedParameter, mime___ContentDispositionSetNormalizedParameters, mimeContentDispositionParametersDict};
 
 } // namespace
 
 MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME_OPTIONS *mo) noexcept
 {
-    using namespace mime::parameters;
     PB_ASSERT( value );
     PB_ASSERT( mo );
-    pb::Ref<PB_VECTOR> tokens = pb::adopt(mimeShfTokenVectorTryDecode(value));
-    if (!tokens)
+    mime::parameters::Pieces pieces;
+    if (!pieces.scan(value) || pieces.length() == 0 || !pieces.isWord(0))
         return nullptr;
-    mimeShfTokenVectorDelComments(tokens.addr());
-    if (pbVectorLength(tokens.get()) == 0)
-        return nullptr;
-    pb::Ref<MIME_SHF_TOKEN> first = pb::adopt(tokenAt(tokens.get(), 0));
-    if (!isWord(first.get()))
-        return nullptr;
-    pb::Ref<PB_STRING> type = pb::adopt(mimeShfTokenValue(first.get()));
+    pb::Ref<PB_STRING> type = pb::adopt(pieces.word(0, true));
     if (!mimeContentDispositionTypeOk(type.get()))
         return nullptr;
-    pb::Ref<MIME_CONTENT_DISPOSITION> result = pb::adopt(mimeContentDispositionCreate(type.get()));
-    decodeInto(result.addr(), tokens.get(), 1, mo, kTarget);
+    pb::Ref<MIME_CONTENT_DISPOSITION> result = pb::adopt(mime___ContentDispositionCreateNormalized(type.get()));
+    mime::parameters::decodeInto(result.addr(), pieces, 1, mo, kTarget);
     return result.release();
 }
 

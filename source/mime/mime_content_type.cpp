@@ -46,33 +46,28 @@ void mime___ContentTypeStartup(void) noexcept
 
 namespace {
 
-constexpr mime::parameters::Target<MIME_CONTENT_TYPE> kTarget{mimeContentTypeParameterKeyOk, mimeContentTypeSetParameter,
-                                                              mimeContentTypeParametersDict,
-                                                              mimeContentTypeClearParameters};
+constexpr mime::parameters::Target<MIME_CONTENT_TYPE> kTarget{
+    mime___ContentTypeSetNormalizedParameter, mime___ContentTypeSetNormalizedParameters, mimeContentTypeParametersDict};
 
 } // namespace
 
 MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) noexcept
 {
-    using namespace mime::parameters;
     PB_ASSERT( contentType );
     PB_ASSERT( mo );
-    pb::Ref<PB_VECTOR> tokens = pb::adopt(mimeShfTokenVectorTryDecode(contentType));
-    if (!tokens)
+    mime::parameters::Pieces pieces;
+    if (!pieces.scan(contentType) || pieces.length() < 3 || !pieces.isWord(0) || !pieces.isTspecial(1, '/') ||
+        !pieces.isWord(2))
         return nullptr;
-    mimeShfTokenVectorDelComments(tokens.addr());
-    if (pbVectorLength(tokens.get()) < 3)
-        return nullptr;
-    pb::Ref<MIME_SHF_TOKEN> type = pb::adopt(tokenAt(tokens.get(), 0)), slash = pb::adopt(tokenAt(tokens.get(), 1)),
-                            subtype = pb::adopt(tokenAt(tokens.get(), 2));
-    if (!isWord(type.get()) || !isTspecial(slash.get(), '/') || !isWord(subtype.get()))
-        return nullptr;
-    pb::Ref<PB_STRING> name = pb::adopt(pbStringCreateFromFormatCstr("%~s/%~s", -1, mimeShfTokenValue(type.get()),
-                                                                     mimeShfTokenValue(subtype.get())));
+    mime::parameters::SmallVector<PB_CHAR, 128> chars;
+    pieces.appendWord(0, true, chars);
+    chars.push_back('/');
+    pieces.appendWord(2, true, chars);
+    pb::Ref<PB_STRING> name = pb::adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
     if (!mimeContentTypeNameOk(name.get()))
         return nullptr;
-    pb::Ref<MIME_CONTENT_TYPE> result = pb::adopt(mimeContentTypeCreate(name.get()));
-    decodeInto(result.addr(), tokens.get(), 3, mo, kTarget);
+    pb::Ref<MIME_CONTENT_TYPE> result = pb::adopt(mime___ContentTypeCreateNormalized(name.get()));
+    mime::parameters::decodeInto(result.addr(), pieces, 3, mo, kTarget);
     return result.release();
 }
 

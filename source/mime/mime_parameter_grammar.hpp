@@ -1,65 +1,130 @@
 // Internal: the parameters of Content-Type and Content-Disposition on the wire,
-// shared by both codecs. Reading is lenient in one fixed way: after the type,
-// "; key = value" pairs are read while they fit; a key without "=" or without a
-// value gets the empty value, a key that is not an RFC 2045 token is skipped,
-// and the first element that fits nothing ends the list without failing.
+// shared by both codecs.
+//
+// Reading works on the lexer's pieces of the value (comments dropped), straight
+// from the text: a value is copied once, into the string the result keeps.
+// After the type, "; key = value" pairs are read while they fit; a key without
+// "=" or without a value gets the empty value, a key that is not an RFC 2045
+// token is skipped, and the first element that fits nothing ends the list
+// without failing. RFC 2231 decoding follows when the options ask for it and a
+// key has a form that it changes.
+//
 // Writing appends "; key = value" tokens, after RFC 2231 encoding when the
 // options ask for it, leaving out values beyond ASCII when neither RFC 2231 nor
 // Unicode output is on.
 #pragma once
 
 #include <mime/mime_options.h>
-#include <mime/mime_shf_token.h>
+#include <mime/mime_shf_scanner.hpp>
 #include <pb/pb_dict.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_vector.h>
 
+#include <vector>
+
 namespace mime::parameters {
+
+// A sequence that keeps its first N elements inline: a header value rarely
+// needs the heap.
+template <class T, size_t N> class SmallVector {
+public:
+    void push_back(const T &x)
+    {
+        if (heap_.empty() && size_ < N) {
+            inline_[size_++] = x;
+            return;
+        }
+        if (heap_.empty())
+            heap_.assign(inline_, inline_ + size_);
+        heap_.push_back(x);
+        ++size_;
+    }
+    void append(const T *items, size_t count)
+    {
+        if (heap_.empty() && size_ + count <= N) {
+            for (size_t i = 0; i < count; ++i)
+                inline_[size_ + i] = items[i];
+            size_ += count;
+            return;
+        }
+        if (heap_.empty())
+            heap_.assign(inline_, inline_ + size_);
+        heap_.insert(heap_.end(), items, items + count);
+        size_ += count;
+    }
+    T *data() { return heap_.empty() ? inline_ : heap_.data(); }
+    const T *data() const { return heap_.empty() ? inline_ : heap_.data(); }
+    size_t size() const { return size_; }
+    void clear()
+    {
+        heap_.clear();
+        size_ = 0;
+    }
+
+private:
+    T inline_[N];
+    std::vector<T> heap_;
+    size_t size_ = 0;
+};
+
+// The pieces of a header value, comments dropped.
+class Pieces {
+public:
+    // False when the lexer refuses the value.
+    bool scan(PB_STRING *value) noexcept;
+    PB_INT length() const { return static_cast<PB_INT>(pieces_.size()); }
+    bool isWord(PB_INT i) const noexcept;
+    bool isTspecial(PB_INT i, PB_CHAR c) const noexcept;
+    // The plain value of word i (a quoted string without quotes and escapes),
+    // lower-cased on request.
+    PB_STRING *word(PB_INT i, bool lower) const noexcept;
+    // The same, appended to chars.
+    void appendWord(PB_INT i, bool lower, SmallVector<PB_CHAR, 128> &chars) const noexcept;
+
+private:
+    const PB_CHAR *chars_ = nullptr;
+    SmallVector<ShfPiece, 32> pieces_;
+};
 
 // The operations of the value type that reading needs.
 template <class T> struct Target {
-    PB_BOOL (*keyOk)(PB_STRING *key);
-    void (*set)(T **value, PB_STRING *key, PB_STRING *parameter);
+    // Keys already lower case and accepted.
+    void (*setNormalized)(T **value, PB_STRING *key, PB_STRING *parameter);
+    void (*replaceNormalized)(T **value, PB_DICT *parameters);
     PB_DICT *(*dict)(T *value);
-    void (*clear)(T **value);
 };
 
-bool isWord(MIME_SHF_TOKEN *tok) noexcept;
-bool isTspecial(MIME_SHF_TOKEN *tok, PB_CHAR c) noexcept;
-MIME_SHF_TOKEN *tokenAt(PB_VECTOR *tokens, PB_INT index) noexcept; // new reference
-
-// Calls store(key, value) for each parameter read from tokens[start...].
-void read(PB_VECTOR *tokens, PB_INT start, void (*store)(void *context, PB_STRING *key, PB_STRING *value),
+// Calls store(context, key, value) for each parameter read from pieces[start...],
+// keys lower-cased and accepted as RFC 2045 tokens; true when a key has a form
+// that RFC 2231 decoding would change.
+bool read(const Pieces &pieces, PB_INT start, void (*store)(void *context, PB_STRING *key, PB_STRING *value),
           void *context) noexcept;
 
 // mime___Rfc2231Decode, for the template below.
 PB_DICT *decodeRfc2231(PB_DICT *parameters, MIME_OPTIONS *mo) noexcept;
 
-// Steps after the type: the parameters into *value, then RFC 2231 decoding when
-// the options' flags ask for it.
-template <class T> void decodeInto(T **value, PB_VECTOR *tokens, PB_INT start, MIME_OPTIONS *mo, const Target<T> &target)
+// The steps after the type: the parameters into *value, then RFC 2231 decoding.
+template <class T> void decodeInto(T **value, const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo,
+                                   const Target<T> &target)
 {
     struct Context {
         T **value;
         const Target<T> *target;
     } context{value, &target};
-    read(tokens, start,
-         [](void *c, PB_STRING *key, PB_STRING *parameter) {
-             auto *ctx = static_cast<Context *>(c);
-             if (ctx->target->keyOk(key))
-                 ctx->target->set(ctx->value, key, parameter);
-         },
-         &context);
-    if (!(mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))
+    bool rfc2231 = read(pieces, start,
+                        [](void *c, PB_STRING *key, PB_STRING *parameter) {
+                            auto *ctx = static_cast<Context *>(c);
+                            ctx->target->setNormalized(ctx->value, key, parameter);
+                        },
+                        &context);
+    // Without a key of an RFC 2231 form the decoding would give the same parameters.
+    if (!rfc2231 || !(mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))
         return;
+    // The decoded keys are name parts of lower-case keys, all attribute names:
+    // the dictionary takes the place of the parameters as it is.
     pb::Ref<PB_DICT> given = pb::adopt(target.dict(*value));
     pb::Ref<PB_DICT> decoded = pb::adopt(decodeRfc2231(given.get(), mo));
-    target.clear(value);
-    for (PB_INT i = 0; i < pbDictLength(decoded.get()); ++i) {
-        pb::Ref<PB_STRING> key = pb::adopt(pbStringFrom(pbDictKeyAt(decoded.get(), i)));
-        pb::Ref<PB_STRING> parameter = pb::adopt(pbStringFrom(pbDictValueAt(decoded.get(), i)));
-        target.set(value, key.get(), parameter.get());
-    }
+    target.replaceNormalized(value, decoded.get());
 }
 
 // Appends "; key = value" for each parameter to be written.

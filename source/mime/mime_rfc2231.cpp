@@ -1,5 +1,6 @@
 #include <mime/mime_char.h>
 #include <mime/mime_char.hpp>
+#include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_rfc2231.h>
 #include <pb/pb_buffer.h>
 #include <pb/pb_charset.h>
@@ -15,10 +16,8 @@ using pb::Ref;
 
 // Name part of a key: valid when not empty, ASCII, and free of space, controls,
 // tspecials, "*", "'" and "%".
-PB_BOOL mime___Rfc2231IsAttribute(PB_STRING *s)
+PB_BOOL mime___Rfc2231IsAttribute(const PB_CHAR *c, PB_INT n)
 {
-    const PB_CHAR *c = pbStringBacking(s);
-    PB_INT n = pbStringLength(s);
     for (PB_INT i = 0; i < n; ++i)
         if (c[i] > 127 || c[i] == ' ' || mime___CharIsCtl(c[i]) || mime___CharIsTspecial(c[i]) || c[i] == '*' ||
             c[i] == '\'' || c[i] == '%')
@@ -26,42 +25,156 @@ PB_BOOL mime___Rfc2231IsAttribute(PB_STRING *s)
     return n > 0;
 }
 
-// charset'language'value: the charset's code, and *value replaced by the value
-// part; -1 (and *value unchanged) when there are not three parts.
-PB_CHARSET mime___Rfc2231DecodeCharset(PB_STRING **value)
+// Text read in place: a run of code points of a string the caller holds.
+struct Span {
+    const PB_CHAR *chars;
+    PB_INT length;
+};
+
+Span spanOf(PB_STRING *s)
 {
-    Ref<PB_VECTOR> parts = adopt(pbStringSplitChar(*value, '\'', 3));
-    if (pbVectorLength(parts.get()) != 3)
-        return -1;
-    Ref<PB_STRING> name = adopt(pbStringFrom(pbVectorObjAt(parts.get(), 0)));
-    PB_CHARSET charset = pbCharsetFromIanaName(name.get());
-    if (PB_CHARSET_OK(charset)) {
-        pbStringRelease(*value);
-        *value = pbStringFrom(pbVectorObjAt(parts.get(), 2));
+    return {pbStringBacking(s), pbStringLength(s)};
+}
+
+using Bytes = mime::parameters::SmallVector<PB_BYTE, 256>;
+
+// charset'language'value: the charset's code, and *value narrowed to the value
+// part; -1 (and *value unchanged) when there are not three parts.
+PB_CHARSET mime___Rfc2231DecodeCharset(Span *value)
+{
+    PB_INT first = 0, second = 0;
+    while (first < value->length && value->chars[first] != '\'')
+        ++first;
+    for (second = first + 1; second < value->length && value->chars[second] != '\''; ++second) {
     }
+    if (second >= value->length)
+        return -1;
+    Ref<PB_STRING> name = adopt(pbStringCreateFromCharsCopy(value->chars, first));
+    PB_CHARSET charset = pbCharsetFromIanaName(name.get());
+    if (PB_CHARSET_OK(charset))
+        *value = {value->chars + second + 1, value->length - second - 1};
     return charset;
 }
 
-// Percent-decoded bytes; null for a character above 255 or a full buffer.
-PB_BUFFER *mime___Rfc2231DecodeValue(PB_STRING *value)
+// Percent-decoded bytes appended to bytes; false for a character above 255 or
+// when the bytes would outgrow a buffer.
+bool mime___Rfc2231DecodeValue(Span value, Bytes &bytes)
 {
-    const PB_CHAR *c = pbStringBacking(value);
-    PB_INT n = pbStringLength(value);
-    Ref<PB_BUFFER> bytes = adopt(pbBufferCreate());
+    const PB_CHAR *c = value.chars;
+    PB_INT n = value.length;
     for (PB_INT i = 0; i < n;) {
-        if (pbBufferSpace(bytes.get()) == 0 || c[i] > 255)
-            return nullptr;
+        if (static_cast<PB_INT>(bytes.size()) >= PB_BUFFER_MAX_LENGTH || c[i] > 255)
+            return false;
         PB_INT high = -1, low = -1;
         if (c[i] == '%' && i < n - 2 && (high = pbUnicodeHexadecimalDigitValue(c[i + 1])) >= 0 &&
             (low = pbUnicodeHexadecimalDigitValue(c[i + 2])) >= 0) {
-            pbBufferAppendByte(bytes.addr(), static_cast<PB_BYTE>(high * 16 + low));
+            bytes.push_back(static_cast<PB_BYTE>(high * 16 + low));
             i += 3;
         } else {
-            pbBufferAppendByte(bytes.addr(), static_cast<PB_BYTE>(c[i]));
+            bytes.push_back(static_cast<PB_BYTE>(c[i]));
             i += 1;
         }
     }
-    return bytes.release();
+    return true;
+}
+
+// The text of bytes in charset, appended to *joined; false when the length
+// would overflow. Empties bytes.
+bool appendConverted(PB_STRING **joined, Bytes &bytes, PB_CHARSET charset)
+{
+    if (bytes.size() == 0)
+        return true;
+    Ref<PB_BUFFER> buffer = adopt(pbBufferCreateFromBytesCopy(bytes.data(), static_cast<PB_INT>(bytes.size())));
+    bytes.clear();
+    Ref<PB_STRING> text = adopt(pbCharsetConvertBufferToString(charset, buffer.get()));
+    if (!PB_INT_ADD_OK(pbStringLength(*joined), pbStringLength(text.get())))
+        return false;
+    pbStringAppend(joined, text.get());
+    return true;
+}
+
+// The value under name*n (and "*" when encoded) in the working dictionary, or null.
+Ref<PB_STRING> segment(PB_DICT *working, Span name, PB_INT n, bool encoded)
+{
+    mime::parameters::SmallVector<PB_CHAR, 128> key;
+    key.append(name.chars, static_cast<size_t>(name.length));
+    key.push_back('*');
+    char digits[24];
+    int count = 0;
+    for (uint64_t v = static_cast<uint64_t>(n); v || count == 0; v /= 10)
+        digits[count++] = static_cast<char>('0' + v % 10);
+    while (count > 0)
+        key.push_back(static_cast<PB_CHAR>(digits[--count]));
+    if (encoded)
+        key.push_back('*');
+    Ref<PB_STRING> text = adopt(pbStringCreateFromCharsCopy(key.data(), static_cast<PB_INT>(key.size())));
+    return adopt(pbStringFrom(pbDictStringKey(working, text.get())));
+}
+
+// Joins the segments of the continuation whose segment 0 holds value; null when
+// the entry is dropped.
+PB_STRING *joinContinuation(PB_DICT *working, Span name, PB_STRING *value, bool extended)
+{
+    Ref<PB_STRING> joined = adopt(pbStringCreate());
+    Bytes pending;
+    PB_CHARSET charset = -1;
+    if (extended) {
+        Span rest = spanOf(value);
+        charset = mime___Rfc2231DecodeCharset(&rest);
+        if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(rest, pending))
+            return nullptr;
+    } else {
+        pbStringAppend(joined.addr(), value);
+    }
+    for (PB_INT n = 0; n < PB_INT_MAX;) { // stops at a gap, or at the largest number
+        ++n;
+        if (PB_CHARSET_OK(charset)) {
+            if (Ref<PB_STRING> encoded = segment(working, name, n, true)) {
+                if (!mime___Rfc2231DecodeValue(spanOf(encoded.get()), pending))
+                    return nullptr;
+                continue;
+            }
+            if (!appendConverted(joined.addr(), pending, charset))
+                return nullptr;
+        }
+        Ref<PB_STRING> plain = segment(working, name, n, false);
+        if (!plain)
+            break;
+        if (!PB_INT_ADD_OK(pbStringLength(joined.get()), pbStringLength(plain.get())))
+            return nullptr;
+        pbStringAppend(joined.addr(), plain.get());
+    }
+    if (PB_CHARSET_OK(charset) && !appendConverted(joined.addr(), pending, charset))
+        return nullptr;
+    return joined.release();
+}
+
+// The decoded text of one working entry, and its result name; null when the
+// entry is dropped.
+PB_STRING *decodeEntry(PB_DICT *working, PB_STRING *key, PB_STRING *value, Ref<PB_STRING> &resultName)
+{
+    static const PB_CHAR ends[] = {'*', '0', '*'};
+    PB_INT suffix = pbStringEndsWithChars(key, ends, 3) ? 3 : pbStringEndsWithChars(key, ends, 2) ? 2
+                    : pbStringEndsWithChars(key, ends, 1)                                    ? 1
+                                                                                             : 0;
+    Span name = {pbStringBacking(key), pbStringLength(key) - suffix};
+    if (!mime___Rfc2231IsAttribute(name.chars, name.length))
+        return nullptr;
+    resultName = suffix ? adopt(pbStringCreateFromCharsCopy(name.chars, name.length)) : pb::retained(key);
+    if (suffix == 0) {
+        pb::retain(value);
+        return value;
+    }
+    if (suffix == 1) {
+        Span rest = spanOf(value);
+        PB_CHARSET charset = mime___Rfc2231DecodeCharset(&rest);
+        Bytes bytes;
+        if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(rest, bytes))
+            return nullptr;
+        Ref<PB_STRING> text = adopt(pbStringCreate());
+        return appendConverted(text.addr(), bytes, charset) ? text.release() : nullptr;
+    }
+    return joinContinuation(working, name, value, suffix == 3);
 }
 
 // The text form of an object handed out as a new reference.
@@ -71,97 +184,12 @@ Ref<PB_STRING> textOf(PB_OBJ *taken)
     return adopt(pbObjToString(held.get()));
 }
 
-Ref<PB_STRING> lookup(PB_DICT *working, const char *format, PB_STRING *name, PB_INT n)
+bool allStrings(PB_DICT *dict)
 {
-    Ref<PB_STRING> key = adopt(pbStringCreateFromFormatCstr(format, -1, name, n));
-    return adopt(pbStringFrom(pbDictStringKey(working, key.get())));
-}
-
-// Appends text to *joined; false when the length would overflow.
-bool appendText(PB_STRING **joined, PB_STRING *text)
-{
-    if (!PB_INT_ADD_OK(pbStringLength(*joined), pbStringLength(text)))
-        return false;
-    pbStringAppend(joined, text);
+    for (PB_INT i = 0; i < pbDictLength(dict); ++i)
+        if (pbObjSort(adopt(pbDictValueAt(dict, i)).get()) != pbStringSort())
+            return false;
     return true;
-}
-
-// Converts and empties the pending bytes into *joined.
-bool flushPending(PB_STRING **joined, PB_BUFFER **pending, PB_CHARSET charset)
-{
-    if (pbBufferLength(*pending) == 0)
-        return true;
-    Ref<PB_STRING> text = adopt(pbCharsetConvertBufferToString(charset, *pending));
-    pbBufferClear(pending);
-    return appendText(joined, text.get());
-}
-
-// Joins the segments of the continuation whose segment 0 holds value; null when
-// the entry is dropped.
-PB_STRING *joinContinuation(PB_DICT *working, PB_STRING *name, PB_STRING *value, bool extended)
-{
-    Ref<PB_STRING> joined = adopt(pbStringCreate());
-    Ref<PB_BUFFER> pending = adopt(pbBufferCreate());
-    PB_CHARSET charset = -1;
-    if (extended) {
-        Ref<PB_STRING> rest = pb::retained(value);
-        charset = mime___Rfc2231DecodeCharset(rest.addr());
-        if (!PB_CHARSET_OK(charset))
-            return nullptr;
-        pending = adopt(mime___Rfc2231DecodeValue(rest.get()));
-        if (!pending)
-            return nullptr;
-    } else {
-        pbStringAppend(joined.addr(), value);
-    }
-    for (PB_INT n = 0; n < PB_INT_MAX;) { // stops at a gap, or at the largest number
-        ++n;
-        if (PB_CHARSET_OK(charset)) {
-            if (Ref<PB_STRING> encoded = lookup(working, "%s*%i*", name, n)) {
-                Ref<PB_BUFFER> bytes = adopt(mime___Rfc2231DecodeValue(encoded.get()));
-                if (!bytes || pbBufferSpace(pending.get()) < pbBufferLength(bytes.get()))
-                    return nullptr;
-                pbBufferAppend(pending.addr(), bytes.get());
-                continue;
-            }
-            if (!flushPending(joined.addr(), pending.addr(), charset))
-                return nullptr;
-        }
-        Ref<PB_STRING> plain = lookup(working, "%s*%i", name, n);
-        if (!plain)
-            break;
-        if (!appendText(joined.addr(), plain.get()))
-            return nullptr;
-    }
-    if (PB_CHARSET_OK(charset) && !flushPending(joined.addr(), pending.addr(), charset))
-        return nullptr;
-    return joined.release();
-}
-
-// The decoded text of one working entry under *name; null when it is dropped.
-PB_STRING *decodeEntry(PB_DICT *working, PB_STRING *key, PB_STRING *value, Ref<PB_STRING> &name)
-{
-    static const PB_CHAR ends[] = {'*', '0', '*'};
-    PB_INT length = pbStringLength(key);
-    PB_INT suffix = pbStringEndsWithChars(key, ends, 3) ? 3 : pbStringEndsWithChars(key, ends, 2) ? 2
-                    : pbStringEndsWithChars(key, ends, 1)                                    ? 1
-                                                                                             : 0;
-    name = adopt(pbStringCreateFromLeading(key, length - suffix));
-    if (!mime___Rfc2231IsAttribute(name.get()))
-        return nullptr;
-    if (suffix == 0) {
-        pb::retain(value);
-        return value;
-    }
-    if (suffix == 1) {
-        Ref<PB_STRING> rest = pb::retained(value);
-        PB_CHARSET charset = mime___Rfc2231DecodeCharset(rest.addr());
-        if (!PB_CHARSET_OK(charset))
-            return nullptr;
-        Ref<PB_BUFFER> bytes = adopt(mime___Rfc2231DecodeValue(rest.get()));
-        return bytes ? pbCharsetConvertBufferToString(charset, bytes.get()) : nullptr;
-    }
-    return joinContinuation(working, name.get(), value, suffix == 3);
 }
 
 } // namespace
@@ -171,10 +199,14 @@ PB_DICT *mime___Rfc2231Decode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
     PB_ASSERT( source );
     PB_ASSERT( mo );
     Ref<PB_DICT> result = adopt(pbDictCreate());
-    Ref<PB_DICT> working = adopt(pbDictCreate());
-    for (PB_INT i = 0; i < pbDictLength(source); ++i) {
-        Ref<PB_STRING> key = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
-        pbDictSetStringKey(working.addr(), key.get(), pbStringObj(value.get()));
+    // The working dictionary holds the text forms; string values are their own.
+    Ref<PB_DICT> working = pb::retained(source);
+    if (!allStrings(source)) {
+        working = adopt(pbDictCreate());
+        for (PB_INT i = 0; i < pbDictLength(source); ++i) {
+            Ref<PB_STRING> key = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
+            pbDictSetStringKey(working.addr(), key.get(), pbStringObj(value.get()));
+        }
     }
     for (PB_INT i = 0; i < pbDictLength(working.get()); ++i) {
         Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(working.get(), i)));
@@ -267,7 +299,7 @@ PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
     Ref<PB_DICT> result = adopt(pbDictCreate());
     for (PB_INT i = 0; i < pbDictLength(source); ++i) {
         Ref<PB_STRING> name = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
-        if (!mime___Rfc2231IsAttribute(name.get()))
+        if (!mime___Rfc2231IsAttribute(pbStringBacking(name.get()), pbStringLength(name.get())))
             continue;
         bool plain = isAscii(value.get());
         Ref<PB_VECTOR> segments =
