@@ -2,6 +2,7 @@
 // example, mixed segments, gaps, unknown charsets, bytes split across segments),
 // the encoder's segment cutting, the round trip over generated Unicode values at
 // many segment lengths, and the work bound for huge segment sets.
+#include "oracle.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
@@ -137,4 +138,27 @@ TEST(Rfc2231, WorkIsBounded)
     EXPECT_EQ(result.size(), 2u);
     EXPECT_TRUE(result["t"] == expected);
     EXPECT_EQ(result["u"], "x");
+}
+
+// Python's email package decodes the same generated parameter sets (plain,
+// extended, and continuations that mix encoded and plain segments and split
+// characters between segments) to the same text.
+TEST(Rfc2231, AgreesWithPythonsEmailPackage)
+{
+    OracleLines lines = runOracle("mime/rfc2231_oracle.py");
+    if (lines.empty())
+        GTEST_SKIP() << "no Python interpreter";
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    size_t compared = 0;
+    for (const auto &f : lines) {
+        if (f.size() != 3 || f[0] != "CASE")
+            continue;
+        Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeTryDecode(str(f[1]).get(), mo.get()));
+        ASSERT_TRUE(type) << f[1];
+        PB_STRING *title = mimeContentTypeParameterCstr(type.get(), "title", -1);
+        ASSERT_TRUE(title) << f[1];
+        EXPECT_EQ(take(title), unhex(f[2])) << f[1];
+        ++compared;
+    }
+    EXPECT_GT(compared, 1000u);
 }
