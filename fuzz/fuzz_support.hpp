@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 extern "C" int LLVMFuzzerInitialize(int *, char ***)
 {
@@ -24,6 +25,17 @@ template <class Body> int run(const uint8_t *data, size_t size, Body body)
     body(data, size);
     PB_ASSERT_MSG("leaked objects", pb___ObjLiveCount() == live);
     return 0;
+}
+
+// A decoder's output for d[0, n) in a vector of exactly bound bytes, so that the
+// sanitizers see a write beyond the room; ok tells whether the input was valid.
+template <class Decode> std::vector<uint8_t> decoded(const uint8_t *d, size_t n, size_t bound, Decode decode, bool &ok)
+{
+    std::vector<uint8_t> out(bound);
+    ptrdiff_t length = decode(d, n, out.data());
+    ok = length >= 0;
+    out.resize(ok ? static_cast<size_t>(length) : 0);
+    return out;
 }
 
 } // namespace fuzz

@@ -59,7 +59,7 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS
     if (!pieces.scan(contentType) || pieces.length() < 3 || !pieces.isWord(0) || !pieces.isTspecial(1, '/') ||
         !pieces.isWord(2))
         return nullptr;
-    mime::parameters::SmallVector<PB_CHAR, 128> chars;
+    mime::SmallVector<PB_CHAR, 128> chars;
     pieces.appendWord(0, true, chars);
     chars.push_back('/');
     pieces.appendWord(2, true, chars);

@@ -41,7 +41,7 @@ bool Pieces::isTspecial(PB_INT i, PB_CHAR c) const noexcept
     return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
 }
 
-void Pieces::appendWord(PB_INT i, bool lower, SmallVector<PB_CHAR, 128> &out) const noexcept
+void Pieces::appendWord(PB_INT i, bool lower, mime::SmallVector<PB_CHAR, 128> &out) const noexcept
 {
     const ShfPiece &piece = pieces_.data()[i];
     const PB_CHAR *c = chars_ + piece.start;
@@ -78,7 +78,7 @@ PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
         plain = !(quoted && c[k] == '\\') && !(lower && c[k] >= 'A' && c[k] <= 'Z');
     if (plain)
         return pbStringCreateFromCharsCopy(c, n);
-    SmallVector<PB_CHAR, 128> chars;
+    mime::SmallVector<PB_CHAR, 128> chars;
     appendWord(i, lower, chars);
     return pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size()));
 }

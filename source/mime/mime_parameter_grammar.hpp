@@ -16,56 +16,12 @@
 
 #include <mime/mime_options.h>
 #include <mime/mime_shf_scanner.hpp>
+#include <mime/mime_small_vector.hpp>
 #include <pb/pb_dict.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_vector.h>
 
-#include <vector>
-
 namespace mime::parameters {
-
-// A sequence that keeps its first N elements inline: a header value rarely
-// needs the heap.
-template <class T, size_t N> class SmallVector {
-public:
-    void push_back(const T &x)
-    {
-        if (heap_.empty() && size_ < N) {
-            inline_[size_++] = x;
-            return;
-        }
-        if (heap_.empty())
-            heap_.assign(inline_, inline_ + size_);
-        heap_.push_back(x);
-        ++size_;
-    }
-    void append(const T *items, size_t count)
-    {
-        if (heap_.empty() && size_ + count <= N) {
-            for (size_t i = 0; i < count; ++i)
-                inline_[size_ + i] = items[i];
-            size_ += count;
-            return;
-        }
-        if (heap_.empty())
-            heap_.assign(inline_, inline_ + size_);
-        heap_.insert(heap_.end(), items, items + count);
-        size_ += count;
-    }
-    T *data() { return heap_.empty() ? inline_ : heap_.data(); }
-    const T *data() const { return heap_.empty() ? inline_ : heap_.data(); }
-    size_t size() const { return size_; }
-    void clear()
-    {
-        heap_.clear();
-        size_ = 0;
-    }
-
-private:
-    T inline_[N];
-    std::vector<T> heap_;
-    size_t size_ = 0;
-};
 
 // The pieces of a header value, comments dropped.
 class Pieces {
@@ -79,11 +35,11 @@ public:
     // lower-cased on request.
     PB_STRING *word(PB_INT i, bool lower) const noexcept;
     // The same, appended to chars.
-    void appendWord(PB_INT i, bool lower, SmallVector<PB_CHAR, 128> &chars) const noexcept;
+    void appendWord(PB_INT i, bool lower, mime::SmallVector<PB_CHAR, 128> &chars) const noexcept;
 
 private:
     const PB_CHAR *chars_ = nullptr;
-    SmallVector<ShfPiece, 32> pieces_;
+    mime::SmallVector<ShfPiece, 32> pieces_;
 };
 
 // The operations of the value type that reading needs.

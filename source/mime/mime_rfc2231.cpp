@@ -1,7 +1,7 @@
 #include <mime/mime_char.h>
 #include <mime/mime_char.hpp>
-#include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_rfc2231.h>
+#include <mime/mime_small_vector.hpp>
 #include <pb/pb_buffer.h>
 #include <pb/pb_charset.h>
 #include <pb/pb_int.h>
@@ -36,17 +36,18 @@ Span spanOf(PB_STRING *s)
     return {pbStringBacking(s), pbStringLength(s)};
 }
 
-using Bytes = mime::parameters::SmallVector<PB_BYTE, 256>;
+using Bytes = mime::SmallVector<PB_BYTE, 256>;
 
 // charset'language'value: the charset's code, and *value narrowed to the value
 // part; -1 (and *value unchanged) when there are not three parts.
 PB_CHARSET mime___Rfc2231DecodeCharset(Span *value)
 {
-    PB_INT first = 0, second = 0;
+    PB_INT first = 0;
     while (first < value->length && value->chars[first] != '\'')
         ++first;
-    for (second = first + 1; second < value->length && value->chars[second] != '\''; ++second) {
-    }
+    PB_INT second = first + 1;
+    while (second < value->length && value->chars[second] != '\'')
+        ++second;
     if (second >= value->length)
         return -1;
     Ref<PB_STRING> name = adopt(pbStringCreateFromCharsCopy(value->chars, first));
@@ -96,7 +97,7 @@ bool appendConverted(PB_STRING **joined, Bytes &bytes, PB_CHARSET charset)
 // The value under name*n (and "*" when encoded) in the working dictionary, or null.
 Ref<PB_STRING> segment(PB_DICT *working, Span name, PB_INT n, bool encoded)
 {
-    mime::parameters::SmallVector<PB_CHAR, 128> key;
+    mime::SmallVector<PB_CHAR, 128> key;
     key.append(name.chars, static_cast<size_t>(name.length));
     key.push_back('*');
     char digits[24];

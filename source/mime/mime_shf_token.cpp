@@ -47,6 +47,22 @@ PB_STRING *stringOf(const std::vector<PB_CHAR> &chars)
     return pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size()));
 }
 
+// A new string: open, the characters with a backslash before those that escape
+// asks for, close.
+template <class Escape> PB_STRING *delimited(const PB_CHAR *c, PB_INT n, PB_CHAR open, PB_CHAR close, Escape escape)
+{
+    std::vector<PB_CHAR> raw;
+    raw.reserve(static_cast<size_t>(n) + 2);
+    raw.push_back(open);
+    for (PB_INT i = 0; i < n; ++i) {
+        if (escape(c[i]))
+            raw.push_back('\\');
+        raw.push_back(c[i]);
+    }
+    raw.push_back(close);
+    return stringOf(raw);
+}
+
 // Well formed between delimiters open and close at both ends: a backslash takes
 // the next inner character and is not last; an unescaped open (when nesting) or
 // close changes the depth, which must not go below 0 and ends at 0; an unescaped
@@ -103,16 +119,8 @@ MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedString(PB_STRING *tokenOrQuotedSt
     PB_INT n = pbStringLength(tokenOrQuotedString);
     if (isPlainToken(c, n))
         return createAdopting(MIME_SHF_TOKEN_TYPE_TOKEN, pbStringCreateFromCharsCopy(c, n));
-    std::vector<PB_CHAR> quoted;
-    quoted.reserve(static_cast<size_t>(n) + 2);
-    quoted.push_back('"');
-    for (PB_INT i = 0; i < n; ++i) {
-        if (c[i] == '\r' || c[i] == '"' || c[i] == '\\')
-            quoted.push_back('\\');
-        quoted.push_back(c[i]);
-    }
-    quoted.push_back('"');
-    return createAdopting(MIME_SHF_TOKEN_TYPE_QUOTED_STRING, stringOf(quoted));
+    return createAdopting(MIME_SHF_TOKEN_TYPE_QUOTED_STRING,
+                          delimited(c, n, '"', '"', [](PB_CHAR x) { return x == '\r' || x == '"' || x == '\\'; }));
 }
 
 MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) noexcept
@@ -120,16 +128,9 @@ MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) noexcept
     PB_ASSERT( comment );
     const PB_CHAR *c = pbStringBacking(comment);
     PB_INT n = pbStringLength(comment);
-    std::vector<PB_CHAR> raw;
-    raw.reserve(static_cast<size_t>(n) + 2);
-    raw.push_back('(');
-    for (PB_INT i = 0; i < n; ++i) {
-        if (c[i] == '\r' || c[i] == '\n' || is(c[i], kTspecial))
-            raw.push_back('\\');
-        raw.push_back(c[i]);
-    }
-    raw.push_back(')');
-    return createAdopting(MIME_SHF_TOKEN_TYPE_COMMENT, stringOf(raw));
+    return createAdopting(MIME_SHF_TOKEN_TYPE_COMMENT, delimited(c, n, '(', ')', [](PB_CHAR x) {
+                              return x == '\r' || x == '\n' || is(x, kTspecial);
+                          }));
 }
 
 MIME_SHF_TOKEN *mimeShfTokenCreateRawValue(PB_STRING *rawValue) noexcept
