@@ -52,4 +52,19 @@ constexpr bool is(PB_CHAR c, uint16_t classes)
     return c < 128 && (kClassTable.at[c] & classes) != 0;
 }
 
+// A character of media type names and disposition types: letter, digit, + - . _
+constexpr bool isTypeChar(PB_CHAR c)
+{
+    return is(c, kAlpha | kDigit) || c == '+' || c == '-' || c == '.' || c == '_';
+}
+
+// True when no code point of chars[0, n) is above 127.
+inline bool isAscii(const PB_CHAR *chars, PB_INT n)
+{
+    for (PB_INT i = 0; i < n; ++i)
+        if (chars[i] > 127)
+            return false;
+    return true;
+}
+
 } // namespace mime::chars

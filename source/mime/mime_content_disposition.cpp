@@ -21,8 +21,7 @@ PB_BOOL mimeContentDispositionTypeOk(PB_STRING *dispositionType) noexcept
     const PB_CHAR *c = pbStringBacking(dispositionType);
     PB_INT n = pbStringLength(dispositionType);
     for (PB_INT i = 0; i < n; ++i)
-        if (!mime::chars::is(c[i], mime::chars::kAlpha | mime::chars::kDigit) && c[i] != '+' && c[i] != '-' &&
-            c[i] != '.' && c[i] != '_')
+        if (!mime::chars::isTypeChar(c[i]))
             return PB_FALSE;
     return n > 0;
 }

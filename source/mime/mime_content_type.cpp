@@ -25,8 +25,7 @@ PB_BOOL mimeContentTypeNameOk(PB_STRING *name) noexcept
             if (slash != -1)
                 return PB_FALSE;
             slash = i;
-        } else if (!mime::chars::is(c[i], mime::chars::kAlpha | mime::chars::kDigit) && c[i] != '+' && c[i] != '-' &&
-                   c[i] != '.' && c[i] != '_') {
+        } else if (!mime::chars::isTypeChar(c[i])) {
             return PB_FALSE;
         }
     }

@@ -152,15 +152,6 @@ PB_DICT *decodeRfc2231(PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
 
 namespace {
 
-bool isAscii(PB_STRING *s)
-{
-    const PB_CHAR *c = pbStringBacking(s);
-    for (PB_INT i = 0, n = pbStringLength(s); i < n; ++i)
-        if (c[i] > 127)
-            return false;
-    return true;
-}
-
 void appendToken(PB_VECTOR **tokens, MIME_SHF_TOKEN *tok)
 {
     Ref<MIME_SHF_TOKEN> held = adopt(tok);
@@ -178,7 +169,7 @@ void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
     for (PB_INT i = 0; i < pbDictLength(written.get()); ++i) {
         Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(written.get(), i)));
         Ref<PB_STRING> value = adopt(pbStringFrom(pbDictValueAt(written.get(), i)));
-        if (!(flags & MIME_FLAG_GENERATE_UNICODE_HEADERS) && !isAscii(value.get()))
+        if (!(flags & MIME_FLAG_GENERATE_UNICODE_HEADERS) && !chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get())))
             continue;
         appendToken(tokens, mimeShfTokenCreateTspecial(';'));
         appendToken(tokens, mimeShfTokenCreateRawValue(key.get()));

@@ -221,15 +221,6 @@ PB_DICT *mime___Rfc2231Decode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
 
 namespace {
 
-bool isAscii(PB_STRING *s)
-{
-    const PB_CHAR *c = pbStringBacking(s);
-    for (PB_INT i = 0, n = pbStringLength(s); i < n; ++i)
-        if (c[i] > 127)
-            return false;
-    return true;
-}
-
 // RFC 2231 attribute-char: written as it is inside an extended value.
 bool isLiteralByte(PB_BYTE b)
 {
@@ -302,7 +293,7 @@ PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
         Ref<PB_STRING> name = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
         if (!mime___Rfc2231IsAttribute(pbStringBacking(name.get()), pbStringLength(name.get())))
             continue;
-        bool plain = isAscii(value.get());
+        bool plain = mime::chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get()));
         Ref<PB_VECTOR> segments =
             plain ? plainSegments(value.get(), maxLength) : extendedSegments(value.get(), charset, maxLength);
         if (!segments)
