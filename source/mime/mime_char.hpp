@@ -18,6 +18,12 @@ enum Class : uint16_t {
     kLwsp = 1 << 5,
     // A character that ends a token: a tspecial, a space or a control character.
     kTokenEnd = 1 << 6,
+    // RFC 2045 token character: printable ASCII but space and tspecials.
+    kTokenChar = 1 << 7,
+    // RFC 2231 attribute-char: a token character but "*", "'" and "%".
+    kAttributeChar = 1 << 8,
+    // A character of media type names and disposition types: letter, digit, + - . _
+    kTypeChar = 1 << 9,
 };
 
 struct ClassTable {
@@ -42,6 +48,12 @@ constexpr ClassTable makeClassTable()
         t.at[static_cast<uint8_t>(c)] |= kBcharNospace;
     t.at[static_cast<uint8_t>(' ')] |= kLwsp | kTokenEnd;
     t.at[static_cast<uint8_t>('\t')] |= kLwsp;
+    for (char c : {'+', '-', '.', '_'})
+        t.at[static_cast<uint8_t>(c)] |= kTypeChar;
+    for (int c = 33; c < 127; ++c)
+        if (!(t.at[c] & kTspecial))
+            t.at[c] |= kTokenChar | (c == '*' || c == '\'' || c == '%' ? 0 : kAttributeChar) |
+                       (t.at[c] & (kAlpha | kDigit) ? kTypeChar : 0);
     return t;
 }
 
@@ -52,10 +64,13 @@ constexpr bool is(PB_CHAR c, uint16_t classes)
     return c < 128 && (kClassTable.at[c] & classes) != 0;
 }
 
-// A character of media type names and disposition types: letter, digit, + - . _
-constexpr bool isTypeChar(PB_CHAR c)
+// True when every code point of chars[0, n) is in one of classes.
+inline bool all(const PB_CHAR *chars, PB_INT n, uint16_t classes)
 {
-    return is(c, kAlpha | kDigit) || c == '+' || c == '-' || c == '.' || c == '_';
+    for (PB_INT i = 0; i < n; ++i)
+        if (!is(chars[i], classes))
+            return false;
+    return true;
 }
 
 // True when no code point of chars[0, n) is above 127.

@@ -18,12 +18,8 @@ PB_BOOL mimeContentDispositionTypeOk(PB_STRING *dispositionType) noexcept
 {
     if (!dispositionType)
         return PB_FALSE;
-    const PB_CHAR *c = pbStringBacking(dispositionType);
     PB_INT n = pbStringLength(dispositionType);
-    for (PB_INT i = 0; i < n; ++i)
-        if (!mime::chars::isTypeChar(c[i]))
-            return PB_FALSE;
-    return n > 0;
+    return n > 0 && mime::chars::all(pbStringBacking(dispositionType), n, mime::chars::kTypeChar);
 }
 
 void mime___ContentDispositionStartup(void) noexcept
@@ -31,13 +27,6 @@ void mime___ContentDispositionStartup(void) noexcept
     static const char *const registered[] = {"Info-Package"};
     mime___ContentDispositionTypeWireFormatDict = mime::parameterized::wireFormatTable(registered, 1);
 }
-
-namespace {
-
-constexpr mime::parameters::Target<MIME_CONTENT_DISPOSITION> kTarget{
-    mime___ContentDispositionSetNormalizedParameter, mime___ContentDispositionSetNormalizedParameters, mimeContentDispositionParametersDict};
-
-} // namespace
 
 MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME_OPTIONS *mo) noexcept
 {
@@ -49,9 +38,8 @@ MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME
     pb::Ref<PB_STRING> type = pb::adopt(pieces.word(0, true));
     if (!mimeContentDispositionTypeOk(type.get()))
         return nullptr;
-    pb::Ref<MIME_CONTENT_DISPOSITION> result = pb::adopt(mime___ContentDispositionCreateNormalized(type.get()));
-    mime::parameters::decodeInto(result.addr(), pieces, 1, mo, kTarget);
-    return result.release();
+    pb::Ref<PB_DICT> parameters = pb::adopt(mime::parameters::read(pieces, 1, mo));
+    return mime___ContentDispositionCreateNormalized(type.get(), parameters.get());
 }
 
 PB_STRING *mimeContentDispositionEncode(MIME_CONTENT_DISPOSITION *contentDisposition, MIME_OPTIONS *mo,

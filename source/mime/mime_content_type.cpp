@@ -25,7 +25,7 @@ PB_BOOL mimeContentTypeNameOk(PB_STRING *name) noexcept
             if (slash != -1)
                 return PB_FALSE;
             slash = i;
-        } else if (!mime::chars::isTypeChar(c[i])) {
+        } else if (!mime::chars::is(c[i], mime::chars::kTypeChar)) {
             return PB_FALSE;
         }
     }
@@ -43,13 +43,6 @@ void mime___ContentTypeStartup(void) noexcept
     mime___ContentTypeNameWireFormatDict = mime::parameterized::wireFormatTable(registered, std::size(registered));
 }
 
-namespace {
-
-constexpr mime::parameters::Target<MIME_CONTENT_TYPE> kTarget{
-    mime___ContentTypeSetNormalizedParameter, mime___ContentTypeSetNormalizedParameters, mimeContentTypeParametersDict};
-
-} // namespace
-
 MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) noexcept
 {
     PB_ASSERT( contentType );
@@ -58,16 +51,15 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS
     if (!pieces.scan(contentType) || pieces.length() < 3 || !pieces.isWord(0) || !pieces.isTspecial(1, '/') ||
         !pieces.isWord(2))
         return nullptr;
-    mime::SmallVector<PB_CHAR, 128> chars;
+    mime::parameters::Pieces::Chars chars;
     pieces.appendWord(0, true, chars);
     chars.push_back('/');
     pieces.appendWord(2, true, chars);
     pb::Ref<PB_STRING> name = pb::adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
     if (!mimeContentTypeNameOk(name.get()))
         return nullptr;
-    pb::Ref<MIME_CONTENT_TYPE> result = pb::adopt(mime___ContentTypeCreateNormalized(name.get()));
-    mime::parameters::decodeInto(result.addr(), pieces, 3, mo, kTarget);
-    return result.release();
+    pb::Ref<PB_DICT> parameters = pb::adopt(mime::parameters::read(pieces, 3, mo));
+    return mime___ContentTypeCreateNormalized(name.get(), parameters.get());
 }
 
 PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *mo, PB_INT firstLineOffset) noexcept

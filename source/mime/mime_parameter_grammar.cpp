@@ -2,6 +2,8 @@
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_shf_token.h>
 #include <mime/mime_rfc2231.h>
+#include <mime/mime_rfc2231.hpp>
+#include <pb/pb_ref.hpp>
 
 namespace mime::parameters {
 
@@ -41,7 +43,7 @@ bool Pieces::isTspecial(PB_INT i, PB_CHAR c) const noexcept
     return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
 }
 
-void Pieces::appendWord(PB_INT i, bool lower, mime::SmallVector<PB_CHAR, 128> &out) const noexcept
+void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
 {
     const ShfPiece &piece = pieces_.data()[i];
     const PB_CHAR *c = chars_ + piece.start;
@@ -49,6 +51,8 @@ void Pieces::appendWord(PB_INT i, bool lower, mime::SmallVector<PB_CHAR, 128> &o
     size_t from = out.size();
     if (piece.type != MIME_SHF_TOKEN_TYPE_QUOTED_STRING) {
         out.append(c, static_cast<size_t>(n));
+    } else if (!piece.escaped) {
+        out.append(c + 1, static_cast<size_t>(n - 2));
     } else {
         // Runs between backslashes at once; the scanner saw to it that a
         // character follows each backslash.
@@ -63,91 +67,117 @@ void Pieces::appendWord(PB_INT i, bool lower, mime::SmallVector<PB_CHAR, 128> &o
     }
     if (lower)
         for (PB_CHAR *p = out.data() + from, *end = out.data() + out.size(); p != end; ++p)
-            *p += (*p >= 'A' && *p <= 'Z') ? 32 : 0;
+            *p += *p - 'A' < 26u ? 32 : 0;
 }
 
 PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
 {
-    // Most words are their own text: no escape to undo, nothing to lower.
-    const ShfPiece &piece = pieces_.data()[i];
-    bool quoted = piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
-    const PB_CHAR *c = chars_ + piece.start + quoted;
-    PB_INT n = piece.length - 2 * quoted;
-    bool plain = true;
-    for (PB_INT k = 0; k < n && plain; ++k)
-        plain = !(quoted && c[k] == '\\') && !(lower && c[k] >= 'A' && c[k] <= 'Z');
-    if (plain)
-        return pbStringCreateFromCharsCopy(c, n);
-    mime::SmallVector<PB_CHAR, 128> chars;
+    Chars chars;
     appendWord(i, lower, chars);
     return pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size()));
 }
 
 namespace {
 
-// Rule K: printable ASCII without space and tspecials; and whether the key is an
-// RFC 2231 attribute name as it stands (no "*", "'" or "%").
-bool keyOk(PB_STRING *key, bool &attribute)
-{
-    const PB_CHAR *c = pbStringBacking(key);
-    PB_INT n = pbStringLength(key);
-    attribute = true;
-    for (PB_INT i = 0; i < n; ++i) {
-        if (c[i] < 33 || c[i] > 126 || is(c[i], kTspecial))
-            return false;
-        if (c[i] == '*' || c[i] == '\'' || c[i] == '%')
-            attribute = false;
+// The parameters as read: keys and values side by side in one character store.
+struct Collected {
+    struct Pair {
+        size_t key, keyLength, value, valueLength;
+    };
+    Pieces::Chars chars;
+    mime::SmallVector<Pair, 16> pairs;
+    bool rfc2231 = false; // a key has a form that RFC 2231 decoding changes
+
+    void add(const Pieces &pieces, PB_INT keyIndex, PB_INT valueIndex)
+    {
+        size_t key = chars.size();
+        pieces.appendWord(keyIndex, true, chars);
+        // Rule K: an RFC 2045 token; RFC 2231 decoding changes keys that are
+        // not attribute names as they stand.
+        const PB_CHAR *c = chars.data() + key;
+        size_t n = chars.size() - key;
+        uint16_t classes = n ? kTokenChar | kAttributeChar : 0;
+        for (size_t i = 0; i < n; ++i)
+            classes &= c[i] < 128 ? kClassTable.at[c[i]] : 0;
+        if (!(classes & kTokenChar)) {
+            chars.truncate(key);
+            return;
+        }
+        rfc2231 |= !(classes & kAttributeChar);
+        size_t value = chars.size();
+        if (valueIndex >= 0)
+            pieces.appendWord(valueIndex, false, chars);
+        pairs.push_back({key, value - key, value, chars.size() - value});
     }
-    return n > 0;
+
+    PB_STRING *string(size_t at, size_t length) const
+    {
+        return pbStringCreateFromCharsCopy(chars.data() + at, static_cast<PB_INT>(length));
+    }
+};
+
+void set(PB_DICT **dict, Ref<PB_STRING> key, Ref<PB_STRING> value)
+{
+    pbDictSetStringKey(dict, key.get(), pbStringObj(value.get()));
+}
+
+PB_DICT *decodedRfc2231(const Collected &collected)
+{
+    using mime::rfc2231::Entry;
+    using mime::rfc2231::Span;
+    mime::SmallVector<Entry, 16> entries;
+    for (size_t i = 0; i < collected.pairs.size(); ++i) {
+        const Collected::Pair &p = collected.pairs.data()[i];
+        const PB_CHAR *c = collected.chars.data();
+        entries.push_back({{c + p.key, static_cast<PB_INT>(p.keyLength)}, {c + p.value, static_cast<PB_INT>(p.valueLength)}});
+    }
+    struct Context {
+        const Collected &collected;
+        PB_DICT *result;
+    } context{collected, pbDictCreate()};
+    mime::rfc2231::decode(entries.data(), entries.size(), [](void *c, size_t entry, Span name, PB_STRING *decoded) {
+        auto *ctx = static_cast<Context *>(c);
+        const Collected::Pair &p = ctx->collected.pairs.data()[entry];
+        set(&ctx->result, adopt(pbStringCreateFromCharsCopy(name.chars, name.length)),
+            decoded ? pb::retained(decoded) : adopt(ctx->collected.string(p.value, p.valueLength)));
+    }, &context);
+    return context.result;
 }
 
 } // namespace
 
-bool read(const Pieces &pieces, PB_INT start, void (*store)(void *context, PB_STRING *key, PB_STRING *value),
-          void *context) noexcept
+PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo) noexcept
 {
+    Collected collected;
     PB_INT n = pieces.length();
-    bool rfc2231 = false;
-    pb::Ref<PB_STRING> empty;
-    auto put = [&](PB_INT keyIndex, PB_INT valueIndex) {
-        pb::Ref<PB_STRING> key = pb::adopt(pieces.word(keyIndex, true));
-        bool attribute = true;
-        if (!keyOk(key.get(), attribute))
-            return;
-        rfc2231 |= !attribute;
-        if (valueIndex >= 0) {
-            store(context, key.get(), pb::adopt(pieces.word(valueIndex, false)).get());
-            return;
-        }
-        if (!empty)
-            empty = pb::adopt(pbStringCreate());
-        store(context, key.get(), empty.get());
-    };
     for (PB_INT i = start; i < n;) {
         if (!pieces.isTspecial(i, ';') || i == n - 1 || !pieces.isWord(i + 1))
             break;
         if (i + 1 == n - 1 || !pieces.isTspecial(i + 2, '=')) {
-            put(i + 1, -1); // a key alone
+            collected.add(pieces, i + 1, -1); // a key alone
             if (i + 1 == n - 1)
                 break;
             i += 2;
         } else if (i + 2 == n - 1) {
-            put(i + 1, -1); // "=" at the end
+            collected.add(pieces, i + 1, -1); // "=" at the end
             break;
         } else if (pieces.isWord(i + 3)) {
-            put(i + 1, i + 3);
+            collected.add(pieces, i + 1, i + 3);
             i += 4;
         } else {
-            put(i + 1, -1); // "=" without a value
+            collected.add(pieces, i + 1, -1); // "=" without a value
             i += 3;
         }
     }
-    return rfc2231;
-}
-
-PB_DICT *decodeRfc2231(PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
-{
-    return mime___Rfc2231Decode(parameters, mo);
+    // Without a key of an RFC 2231 form the decoding would give the same parameters.
+    if (collected.rfc2231 && (mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))
+        return decodedRfc2231(collected);
+    PB_DICT *result = pbDictCreate();
+    for (size_t i = 0; i < collected.pairs.size(); ++i) {
+        const Collected::Pair &p = collected.pairs.data()[i];
+        set(&result, adopt(collected.string(p.key, p.keyLength)), adopt(collected.string(p.value, p.valueLength)));
+    }
+    return result;
 }
 
 namespace {

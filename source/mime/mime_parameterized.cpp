@@ -8,12 +8,8 @@ using namespace chars;
 bool keyOk(PB_STRING *key) noexcept
 {
     PB_ASSERT( key );
-    const PB_CHAR *c = pbStringBacking(key);
     PB_INT n = pbStringLength(key);
-    for (PB_INT i = 0; i < n; ++i)
-        if (c[i] < 33 || c[i] > 126 || is(c[i], kTspecial))
-            return false;
-    return n > 0;
+    return n > 0 && all(pbStringBacking(key), n, kTokenChar);
 }
 
 PB_STRING *lowered(PB_STRING *s) noexcept

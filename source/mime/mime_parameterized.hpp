@@ -76,25 +76,16 @@ PB_STRING *text(PB_STRING *label, PB_DICT *parameters) noexcept;
     { \
         return pb::adopt(mime##Name##ParameterKeyNormalize(key)); \
     } \
-    /* For the decoder: a new value over a label that is already normalised, */ \
-    /* and parameters under keys that are. */ \
-    [[maybe_unused]] NAME *mime___##Name##CreateNormalized(PB_STRING *normalized) noexcept \
+    /* For the decoder: a new value from a label and parameters under keys */ \
+    /* that are already normalised. */ \
+    [[maybe_unused]] NAME *mime___##Name##CreateNormalized(PB_STRING *normalized, PB_DICT *parameters) noexcept \
     { \
         auto *obj = pb::create<NAME>(mime##Name##Sort()); \
         obj->field = nullptr; \
+        obj->parameters = nullptr; \
         pb::setField(obj->field, normalized); \
-        obj->parameters = pbDictCreate(); \
+        pb::setField(obj->parameters, parameters); \
         return obj; \
-    } \
-    [[maybe_unused]] void mime___##Name##SetNormalizedParameter(NAME **obj, PB_STRING *key, PB_STRING *value) noexcept \
-    { \
-        PB_OBJ_UNSHARE((*obj), mime##Name##CreateFrom); \
-        pbDictSetStringKey(&(*obj)->parameters, key, pbStringObj(value)); \
-    } \
-    [[maybe_unused]] void mime___##Name##SetNormalizedParameters(NAME **obj, PB_DICT *parameters) noexcept \
-    { \
-        PB_OBJ_UNSHARE((*obj), mime##Name##CreateFrom); \
-        pb::setField((*obj)->parameters, parameters); \
     } \
     } \
     PB_STRING *mime##Name##Label##Normalize(PB_STRING *label) noexcept \

@@ -1,6 +1,7 @@
 #include <mime/mime_char.h>
 #include <mime/mime_char.hpp>
 #include <mime/mime_rfc2231.h>
+#include <mime/mime_rfc2231.hpp>
 #include <mime/mime_small_vector.hpp>
 #include <pb/pb_buffer.h>
 #include <pb/pb_charset.h>
@@ -8,6 +9,9 @@
 #include <pb/pb_ref.hpp>
 #include <pb/pb_unicode.h>
 #include <pb/pb_vector.h>
+
+#include <algorithm>
+#include <vector>
 
 namespace {
 
@@ -18,25 +22,27 @@ using pb::Ref;
 // tspecials, "*", "'" and "%".
 PB_BOOL mime___Rfc2231IsAttribute(const PB_CHAR *c, PB_INT n)
 {
-    for (PB_INT i = 0; i < n; ++i)
-        if (c[i] > 127 || c[i] == ' ' || mime___CharIsCtl(c[i]) || mime___CharIsTspecial(c[i]) || c[i] == '*' ||
-            c[i] == '\'' || c[i] == '%')
-            return PB_FALSE;
-    return n > 0;
+    return n > 0 && mime::chars::all(c, n, mime::chars::kAttributeChar);
 }
 
-// Text read in place: a run of code points of a string the caller holds.
-struct Span {
-    const PB_CHAR *chars;
-    PB_INT length;
-};
+using mime::rfc2231::Entry;
+using mime::rfc2231::Span;
+using Bytes = mime::SmallVector<PB_BYTE, 256>;
 
 Span spanOf(PB_STRING *s)
 {
     return {pbStringBacking(s), pbStringLength(s)};
 }
 
-using Bytes = mime::SmallVector<PB_BYTE, 256>;
+// Code-point order, a prefix first: the order of dictionary keys.
+int order(Span a, Span b)
+{
+    PB_INT n = a.length < b.length ? a.length : b.length;
+    for (PB_INT i = 0; i < n; ++i)
+        if (a.chars[i] != b.chars[i])
+            return a.chars[i] < b.chars[i] ? -1 : 1;
+    return a.length < b.length ? -1 : a.length > b.length ? 1 : 0;
+}
 
 // charset'language'value: the charset's code, and *value narrowed to the value
 // part; -1 (and *value unchanged) when there are not three parts.
@@ -63,19 +69,24 @@ bool mime___Rfc2231DecodeValue(Span value, Bytes &bytes)
 {
     const PB_CHAR *c = value.chars;
     PB_INT n = value.length;
+    size_t base = bytes.size();
+    PB_BYTE *to = bytes.extend(static_cast<size_t>(n)), *start = to; // at most a byte per character
     for (PB_INT i = 0; i < n;) {
-        if (static_cast<PB_INT>(bytes.size()) >= PB_BUFFER_MAX_LENGTH || c[i] > 255)
+        if (static_cast<PB_INT>(base) + (to - start) >= PB_BUFFER_MAX_LENGTH || c[i] > 255) {
+            bytes.truncate(base);
             return false;
+        }
         PB_INT high = -1, low = -1;
         if (c[i] == '%' && i < n - 2 && (high = pbUnicodeHexadecimalDigitValue(c[i + 1])) >= 0 &&
             (low = pbUnicodeHexadecimalDigitValue(c[i + 2])) >= 0) {
-            bytes.push_back(static_cast<PB_BYTE>(high * 16 + low));
+            *to++ = static_cast<PB_BYTE>(high * 16 + low);
             i += 3;
         } else {
-            bytes.push_back(static_cast<PB_BYTE>(c[i]));
+            *to++ = static_cast<PB_BYTE>(c[i]);
             i += 1;
         }
     }
+    bytes.truncate(base + static_cast<size_t>(to - start));
     return true;
 }
 
@@ -88,94 +99,180 @@ bool appendConverted(PB_STRING **joined, Bytes &bytes, PB_CHARSET charset)
     Ref<PB_BUFFER> buffer = adopt(pbBufferCreateFromBytesCopy(bytes.data(), static_cast<PB_INT>(bytes.size())));
     bytes.clear();
     Ref<PB_STRING> text = adopt(pbCharsetConvertBufferToString(charset, buffer.get()));
+    if (!*joined) {
+        *joined = text.release();
+        return true;
+    }
     if (!PB_INT_ADD_OK(pbStringLength(*joined), pbStringLength(text.get())))
         return false;
     pbStringAppend(joined, text.get());
     return true;
 }
 
-// The value under name*n (and "*" when encoded) in the working dictionary, or null.
-Ref<PB_STRING> segment(PB_DICT *working, Span name, PB_INT n, bool encoded)
+bool appendPlain(PB_STRING **joined, Span text)
 {
-    mime::SmallVector<PB_CHAR, 128> key;
-    key.append(name.chars, static_cast<size_t>(name.length));
-    key.push_back('*');
-    char digits[24];
-    int count = 0;
-    for (uint64_t v = static_cast<uint64_t>(n); v || count == 0; v /= 10)
-        digits[count++] = static_cast<char>('0' + v % 10);
-    while (count > 0)
-        key.push_back(static_cast<PB_CHAR>(digits[--count]));
-    if (encoded)
-        key.push_back('*');
-    Ref<PB_STRING> text = adopt(pbStringCreateFromCharsCopy(key.data(), static_cast<PB_INT>(key.size())));
-    return adopt(pbStringFrom(pbDictStringKey(working, text.get())));
+    if (!PB_INT_ADD_OK(pbStringLength(*joined), text.length))
+        return false;
+    pbStringAppendChars(joined, text.chars, text.length);
+    return true;
 }
+
+// Entry indices in visiting order.
+using Visits = mime::SmallVector<size_t, 16>;
+
+// One index per key, in key order: for equal keys the last entry given, as
+// setting them into a dictionary one after another would leave it.
+void visitingOrder(const Entry *entries, size_t count, Visits &visits)
+{
+    for (size_t i = 0; i < count; ++i)
+        visits.push_back(i);
+    size_t *v = visits.data();
+    auto keyOrder = [&](size_t a, size_t b) { return order(entries[a].key, entries[b].key); };
+    bool strictlySorted = true;
+    for (size_t i = 1; i < count && strictlySorted; ++i)
+        strictlySorted = keyOrder(v[i - 1], v[i]) < 0;
+    if (strictlySorted)
+        return;
+    std::stable_sort(v, v + count, [&](size_t a, size_t b) { return keyOrder(a, b) < 0; });
+    size_t kept = 0;
+    for (size_t i = 0; i < count; ++i) {
+        if (i + 1 < count && keyOrder(v[i], v[i + 1]) == 0)
+            continue;
+        v[kept++] = v[i];
+    }
+    visits.truncate(kept);
+}
+
+// The later segments of all continuations, "name*N" and "name*N*" with N from 1
+// written as "%i" writes it, ordered by name, number, and the encoded form first:
+// the lookups of one continuation then walk forward through its own run.
+class Segments {
+public:
+    Segments(const Entry *entries, const Visits &visits)
+    {
+        for (size_t i = 0; i < visits.size(); ++i)
+            add(entries[visits.data()[i]].key, visits.data()[i]);
+        std::sort(keys_.data(), keys_.data() + keys_.size(), [](const Key &a, const Key &b) {
+            return less(a, b.name, b.number, b.encoded);
+        });
+    }
+
+    // Lookups for one name, in the order (1, encoded), (1, plain), (2, encoded), ...
+    class Walk {
+    public:
+        Walk(const Segments &s, Span name) : s_(s), name_(name), at_(s.lowerBound(name)) {}
+        // The entry of name*n (with "*" when encoded), or -1.
+        PB_INT find(PB_INT n, bool encoded)
+        {
+            const Key *keys = s_.keys_.data();
+            size_t count = s_.keys_.size();
+            while (at_ < count && less(keys[at_], name_, n, encoded))
+                ++at_;
+            if (at_ < count && keys[at_].number == n && keys[at_].encoded == encoded && order(keys[at_].name, name_) == 0)
+                return static_cast<PB_INT>(keys[at_].entry);
+            return -1;
+        }
+
+    private:
+        const Segments &s_;
+        Span name_;
+        size_t at_;
+    };
+
+private:
+    struct Key {
+        Span name;
+        PB_INT number;
+        bool encoded;
+        size_t entry;
+    };
+
+    static bool less(const Key &a, Span name, PB_INT number, bool encoded)
+    {
+        if (int o = order(a.name, name))
+            return o < 0;
+        if (a.number != number)
+            return a.number < number;
+        return a.encoded && !encoded;
+    }
+
+    void add(Span key, size_t entry)
+    {
+        PB_INT end = key.length;
+        bool encoded = end > 0 && key.chars[end - 1] == '*';
+        end -= encoded;
+        PB_INT star = end - 1;
+        while (star >= 0 && key.chars[star] >= '0' && key.chars[star] <= '9')
+            --star;
+        if (star < 0 || key.chars[star] != '*' || star + 1 == end || key.chars[star + 1] == '0')
+            return;
+        PB_INT number = 0;
+        for (PB_INT i = star + 1; i < end; ++i) {
+            PB_INT digit = static_cast<PB_INT>(key.chars[i] - '0');
+            if (number > (PB_INT_MAX - digit) / 10)
+                return;
+            number = number * 10 + digit;
+        }
+        keys_.push_back({{key.chars, star}, number, encoded, entry});
+    }
+
+    size_t lowerBound(Span name) const
+    {
+        const Key *first = std::lower_bound(keys_.data(), keys_.data() + keys_.size(), 0,
+                                            [&](const Key &k, int) { return less(k, name, 1, true); });
+        return static_cast<size_t>(first - keys_.data());
+    }
+
+    mime::SmallVector<Key, 16> keys_;
+};
 
 // Joins the segments of the continuation whose segment 0 holds value; null when
 // the entry is dropped.
-PB_STRING *joinContinuation(PB_DICT *working, Span name, PB_STRING *value, bool extended)
+PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span name, Span value, bool extended)
 {
     Ref<PB_STRING> joined = adopt(pbStringCreate());
     Bytes pending;
     PB_CHARSET charset = -1;
     if (extended) {
-        Span rest = spanOf(value);
-        charset = mime___Rfc2231DecodeCharset(&rest);
-        if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(rest, pending))
+        charset = mime___Rfc2231DecodeCharset(&value);
+        if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(value, pending))
             return nullptr;
     } else {
-        pbStringAppend(joined.addr(), value);
+        appendPlain(joined.addr(), value);
     }
+    Segments::Walk walk(segments, name);
     for (PB_INT n = 0; n < PB_INT_MAX;) { // stops at a gap, or at the largest number
         ++n;
         if (PB_CHARSET_OK(charset)) {
-            if (Ref<PB_STRING> encoded = segment(working, name, n, true)) {
-                if (!mime___Rfc2231DecodeValue(spanOf(encoded.get()), pending))
+            if (PB_INT encoded = walk.find(n, true); encoded >= 0) {
+                if (!mime___Rfc2231DecodeValue(entries[encoded].value, pending))
                     return nullptr;
                 continue;
             }
             if (!appendConverted(joined.addr(), pending, charset))
                 return nullptr;
         }
-        Ref<PB_STRING> plain = segment(working, name, n, false);
-        if (!plain)
+        PB_INT plain = walk.find(n, false);
+        if (plain < 0)
             break;
-        if (!PB_INT_ADD_OK(pbStringLength(joined.get()), pbStringLength(plain.get())))
+        if (!appendPlain(joined.addr(), entries[plain].value))
             return nullptr;
-        pbStringAppend(joined.addr(), plain.get());
     }
     if (PB_CHARSET_OK(charset) && !appendConverted(joined.addr(), pending, charset))
         return nullptr;
     return joined.release();
 }
 
-// The decoded text of one working entry, and its result name; null when the
-// entry is dropped.
-PB_STRING *decodeEntry(PB_DICT *working, PB_STRING *key, PB_STRING *value, Ref<PB_STRING> &resultName)
+// The decoded text of a single extended value, or null.
+PB_STRING *decodeExtended(Span value)
 {
-    static const PB_CHAR ends[] = {'*', '0', '*'};
-    PB_INT suffix = pbStringEndsWithChars(key, ends, 3) ? 3 : pbStringEndsWithChars(key, ends, 2) ? 2
-                    : pbStringEndsWithChars(key, ends, 1)                                    ? 1
-                                                                                             : 0;
-    Span name = {pbStringBacking(key), pbStringLength(key) - suffix};
-    if (!mime___Rfc2231IsAttribute(name.chars, name.length))
+    PB_CHARSET charset = mime___Rfc2231DecodeCharset(&value);
+    Bytes bytes;
+    if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(value, bytes))
         return nullptr;
-    resultName = suffix ? adopt(pbStringCreateFromCharsCopy(name.chars, name.length)) : pb::retained(key);
-    if (suffix == 0) {
-        pb::retain(value);
-        return value;
-    }
-    if (suffix == 1) {
-        Span rest = spanOf(value);
-        PB_CHARSET charset = mime___Rfc2231DecodeCharset(&rest);
-        Bytes bytes;
-        if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(rest, bytes))
-            return nullptr;
-        Ref<PB_STRING> text = adopt(pbStringCreate());
-        return appendConverted(text.addr(), bytes, charset) ? text.release() : nullptr;
-    }
-    return joinContinuation(working, name, value, suffix == 3);
+    PB_STRING *text = nullptr;
+    appendConverted(&text, bytes, charset);
+    return text ? text : pbStringCreate();
 }
 
 // The text form of an object handed out as a new reference.
@@ -185,47 +282,65 @@ Ref<PB_STRING> textOf(PB_OBJ *taken)
     return adopt(pbObjToString(held.get()));
 }
 
-bool allStrings(PB_DICT *dict)
-{
-    for (PB_INT i = 0; i < pbDictLength(dict); ++i)
-        if (pbObjSort(adopt(pbDictValueAt(dict, i)).get()) != pbStringSort())
-            return false;
-    return true;
-}
-
 } // namespace
+
+void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *context) noexcept
+{
+    static const PB_CHAR ends[] = {'*', '0', '*'};
+    Visits visits;
+    visitingOrder(entries, count, visits);
+    Segments segments(entries, visits);
+    for (size_t v = 0; v < visits.size(); ++v) {
+        size_t i = visits.data()[v];
+        Span key = entries[i].key;
+        auto endsWith = [&](PB_INT n) {
+            return key.length >= n && std::equal(ends, ends + n, key.chars + key.length - n);
+        };
+        PB_INT suffix = endsWith(3) ? 3 : endsWith(2) ? 2 : endsWith(1) ? 1 : 0;
+        Span name = {key.chars, key.length - suffix};
+        if (!mime___Rfc2231IsAttribute(name.chars, name.length))
+            continue;
+        if (suffix == 0) {
+            put(context, i, name, nullptr);
+            continue;
+        }
+        Ref<PB_STRING> text = adopt(suffix == 1 ? decodeExtended(entries[i].value)
+                                                : joinContinuation(entries, segments, name, entries[i].value, suffix == 3));
+        if (text)
+            put(context, i, name, text.get());
+    }
+}
 
 PB_DICT *mime___Rfc2231Decode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
 {
     PB_ASSERT( source );
     PB_ASSERT( mo );
-    Ref<PB_DICT> result = adopt(pbDictCreate());
-    // The working dictionary holds the text forms; string values are their own.
-    Ref<PB_DICT> working = pb::retained(source);
-    if (!allStrings(source)) {
-        working = adopt(pbDictCreate());
-        for (PB_INT i = 0; i < pbDictLength(source); ++i) {
-            Ref<PB_STRING> key = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
-            pbDictSetStringKey(working.addr(), key.get(), pbStringObj(value.get()));
+    // The text forms of keys and values; a string is its own.
+    PB_INT count = pbDictLength(source);
+    std::vector<Ref<PB_STRING>> keys, values;
+    std::vector<Entry> entries;
+    for (PB_INT i = 0; i < count; ++i) {
+        keys.push_back(textOf(pbDictKeyAt(source, i)));
+        values.push_back(textOf(pbDictValueAt(source, i)));
+        entries.push_back({spanOf(keys.back().get()), spanOf(values.back().get())});
+    }
+    struct Context {
+        std::vector<Ref<PB_STRING>> &keys, &values;
+        Ref<PB_DICT> result;
+    } context{keys, values, adopt(pbDictCreate())};
+    mime::rfc2231::decode(entries.data(), entries.size(), [](void *c, size_t entry, Span name, PB_STRING *decoded) {
+        auto *ctx = static_cast<Context *>(c);
+        if (!decoded) {
+            pbDictSetStringKey(ctx->result.addr(), ctx->keys[entry].get(), pbStringObj(ctx->values[entry].get()));
+            return;
         }
-    }
-    for (PB_INT i = 0; i < pbDictLength(working.get()); ++i) {
-        Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(working.get(), i)));
-        Ref<PB_STRING> value = adopt(pbStringFrom(pbDictValueAt(working.get(), i)));
-        Ref<PB_STRING> name;
-        if (Ref<PB_STRING> decoded = adopt(decodeEntry(working.get(), key.get(), value.get(), name)))
-            pbDictSetStringKey(result.addr(), name.get(), pbStringObj(decoded.get()));
-    }
-    return result.release();
+        Ref<PB_STRING> key = adopt(pbStringCreateFromCharsCopy(name.chars, name.length));
+        pbDictSetStringKey(ctx->result.addr(), key.get(), pbStringObj(decoded));
+    }, &context);
+    return context.result.release();
 }
 
 namespace {
-
-// RFC 2231 attribute-char: written as it is inside an extended value.
-bool isLiteralByte(PB_BYTE b)
-{
-    return b >= 33 && b <= 126 && !mime___CharIsTspecial(b) && b != '%' && b != '\'' && b != '*';
-}
 
 // Pieces of an ASCII value of at most maxLength characters each (-1: one piece);
 // an empty value is one empty piece.
@@ -262,7 +377,7 @@ Ref<PB_VECTOR> extendedSegments(PB_STRING *value, PB_CHARSET charset, PB_INT max
     };
     const PB_BYTE *b = pbBufferBacking(bytes.get());
     for (PB_INT i = 0, n = pbBufferLength(bytes.get()); i < n; ++i) {
-        if (isLiteralByte(b[i])) {
+        if (mime::chars::is(b[i], mime::chars::kAttributeChar)) { // written as it is
             if (maxLength != -1 && length >= maxLength)
                 startSegment(1);
             else

@@ -13,6 +13,7 @@
 // unescaped "[".
 #pragma once
 
+#include <mime/mime_char.hpp>
 #include <mime/mime_shf_token.h>
 
 namespace mime {
@@ -21,6 +22,7 @@ struct ShfPiece {
     PB_INT start;
     PB_INT length;
     MIME_SHF_TOKEN_TYPE type;
+    bool escaped; // a delimited piece that holds a backslash
 };
 
 class ShfScanner {
@@ -30,17 +32,52 @@ public:
     ShfScanner(const PB_CHAR *chars, PB_INT length) noexcept : chars_(chars), length_(length) {}
 
     // The next piece, or the end of the text, or Invalid (after which the
-    // scanner stays where it failed).
+    // scanner stays where it failed). Inline: it is the inner loop of every
+    // header decoder.
     Step next(ShfPiece &piece) noexcept;
 
 private:
     // Scans the delimited piece opening at from; its end (one past the closing
-    // character), or -1 when the piece is invalid.
-    PB_INT delimitedEnd(PB_INT from, PB_CHAR close, bool comment) const noexcept;
+    // character), or -1 when the piece is invalid. Sets escaped when the piece
+    // holds a backslash.
+    PB_INT delimitedEnd(PB_INT from, PB_CHAR close, bool comment, bool &escaped) const noexcept;
 
     const PB_CHAR *chars_;
     PB_INT length_;
     PB_INT at_ = 0;
 };
+
+inline ShfScanner::Step ShfScanner::next(ShfPiece &piece) noexcept
+{
+    while (at_ < length_ && (chars_[at_] == ' ' || chars::is(chars_[at_], chars::kCtl)))
+        ++at_;
+    if (at_ == length_)
+        return Step::End;
+    PB_CHAR c = chars_[at_];
+    PB_INT end = at_ + 1;
+    MIME_SHF_TOKEN_TYPE type = MIME_SHF_TOKEN_TYPE_TSPECIAL;
+    bool escaped = false;
+    if (c == '"') {
+        end = delimitedEnd(at_, '"', false, escaped);
+        type = MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
+    } else if (c == '[') {
+        end = delimitedEnd(at_, ']', false, escaped);
+        type = MIME_SHF_TOKEN_TYPE_DOMAIN_LITERAL;
+    } else if (c == '(') {
+        end = delimitedEnd(at_, ')', true, escaped);
+        type = MIME_SHF_TOKEN_TYPE_COMMENT;
+    } else if (!chars::is(c, chars::kTspecial)) {
+        // Letters and most other token characters lie above "]", the
+        // largest character that can end a token but DEL.
+        for (PB_CHAR x; end < length_ && ((x = chars_[end]) > ']' ? x != 127 : !chars::is(x, chars::kTokenEnd));)
+            ++end;
+        type = MIME_SHF_TOKEN_TYPE_TOKEN;
+    }
+    if (end < 0)
+        return Step::Invalid;
+    piece = {at_, end - at_, type, escaped};
+    at_ = end;
+    return Step::Piece;
+}
 
 } // namespace mime

@@ -1,51 +1,72 @@
-// Internal: a sequence that keeps its first N elements inline, for the short
-// texts and piece lists of header values, which then need no heap.
+// Internal: a sequence of trivially copyable elements that keeps its first N
+// inline, for the short texts and piece lists of header values, which then need
+// no heap.
 #pragma once
 
 #include <cstddef>
-#include <vector>
+#include <cstdlib>
+#include <cstring>
+#include <type_traits>
+
+#include <pb/pb_abort.h>
 
 namespace mime {
 
 template <class T, size_t N> class SmallVector {
+    static_assert(std::is_trivially_copyable_v<T>);
+
 public:
-    void push_back(const T &x)
+    SmallVector() = default;
+    SmallVector(const SmallVector &) = delete;
+    SmallVector &operator=(const SmallVector &) = delete;
+    ~SmallVector()
     {
-        if (heap_.empty() && size_ < N) {
-            inline_[size_++] = x;
-            return;
-        }
-        if (heap_.empty())
-            heap_.assign(inline_, inline_ + size_);
-        heap_.push_back(x);
-        ++size_;
-    }
-    void append(const T *items, size_t count)
-    {
-        if (heap_.empty() && size_ + count <= N) {
-            for (size_t i = 0; i < count; ++i)
-                inline_[size_ + i] = items[i];
-            size_ += count;
-            return;
-        }
-        if (heap_.empty())
-            heap_.assign(inline_, inline_ + size_);
-        heap_.insert(heap_.end(), items, items + count);
-        size_ += count;
-    }
-    T *data() { return heap_.empty() ? inline_ : heap_.data(); }
-    const T *data() const { return heap_.empty() ? inline_ : heap_.data(); }
-    size_t size() const { return size_; }
-    void clear()
-    {
-        heap_.clear();
-        size_ = 0;
+        if (data_ != inline_)
+            std::free(data_);
     }
 
+    // Room for count more elements at the end, uninitialised; the pointer is
+    // valid until the next change.
+    T *extend(size_t count)
+    {
+        if (count > capacity_ - size_)
+            grow(count);
+        T *at = data_ + size_;
+        size_ += count;
+        return at;
+    }
+    void push_back(const T &x) { *extend(1) = x; }
+    void append(const T *items, size_t count)
+    {
+        if (count)
+            std::memcpy(extend(count), items, count * sizeof(T));
+    }
+    T *data() { return data_; }
+    const T *data() const { return data_; }
+    size_t size() const { return size_; }
+    // Keeps the first count elements (count <= size()).
+    void truncate(size_t count) { size_ = count; }
+    void clear() { size_ = 0; }
+
 private:
+    void grow(size_t count)
+    {
+        size_t need = size_ + count;
+        PB_ASSERT_MSG("out of memory", need >= size_ && need < SIZE_MAX / 2 / sizeof(T));
+        size_t capacity = capacity_ * 2 > need ? capacity_ * 2 : need;
+        T *fresh = static_cast<T *>(std::malloc(capacity * sizeof(T)));
+        PB_ASSERT_MSG("out of memory", fresh);
+        std::memcpy(fresh, data_, size_ * sizeof(T));
+        if (data_ != inline_)
+            std::free(data_);
+        data_ = fresh;
+        capacity_ = capacity;
+    }
+
     T inline_[N];
-    std::vector<T> heap_;
+    T *data_ = inline_;
     size_t size_ = 0;
+    size_t capacity_ = N;
 };
 
 } // namespace mime

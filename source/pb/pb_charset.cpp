@@ -117,48 +117,79 @@ constexpr Alias kAliases[] = {
 
 constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; }
 
-constexpr int caseOrder(std::string_view a, std::string_view b)
+// An alias in lower case, for lookups that compare bytes.
+struct LoweredAlias {
+    char name[48];
+    size_t length;
+    PB_CHARSET code;
+    constexpr std::string_view view() const { return {name, length}; }
+};
+
+constexpr uint32_t hashOf(std::string_view lowered)
 {
-    for (size_t i = 0; i < a.size() && i < b.size(); ++i)
-        if (lower(a[i]) != lower(b[i]))
-            return lower(a[i]) < lower(b[i]) ? -1 : 1;
-    return a.size() < b.size() ? -1 : a.size() > b.size() ? 1 : 0;
+    uint32_t h = 2166136261u; // FNV-1a
+    for (char c : lowered)
+        h = (h ^ static_cast<uint8_t>(c)) * 16777619u;
+    return h;
 }
 
-// The aliases sorted without regard to case, at compile time, for binary search.
-constexpr auto kSortedAliases = [] {
-    std::array<Alias, std::size(kAliases)> sorted{};
-    std::copy(std::begin(kAliases), std::end(kAliases), sorted.begin());
-    std::sort(sorted.begin(), sorted.end(), [](const Alias &a, const Alias &b) { return caseOrder(a.name, b.name) < 0; });
-    return sorted;
+// The aliases lowered into an open-addressing table built at compile time: a
+// lookup hashes the name once and compares about one entry. Empty slots have
+// length 0.
+constexpr size_t kAliasSlots = 512;
+constexpr auto kAliasTable = [] {
+    std::array<LoweredAlias, kAliasSlots> table{};
+    for (const Alias &a : kAliases) {
+        LoweredAlias entry{};
+        for (size_t k = 0; k < a.name.size(); ++k)
+            entry.name[k] = lower(a.name[k]);
+        entry.length = a.name.size();
+        entry.code = a.code;
+        size_t slot = hashOf(entry.view()) % kAliasSlots;
+        while (table[slot].length != 0)
+            slot = (slot + 1) % kAliasSlots;
+        table[slot] = entry;
+    }
+    return table;
 }();
 
 constexpr bool aliasesUnique()
 {
-    for (size_t i = 1; i < kSortedAliases.size(); ++i)
-        if (caseOrder(kSortedAliases[i - 1].name, kSortedAliases[i].name) == 0)
+    static_assert(std::size(kAliases) < kAliasSlots / 2);
+    for (const Alias &a : kAliases)
+        if (a.name.empty() || a.name.size() >= sizeof(LoweredAlias::name))
             return false;
+    for (size_t i = 0; i < kAliasSlots; ++i) {
+        // An entry equal to this one sits in its probe run only when a name repeats.
+        if (kAliasTable[i].length == 0)
+            continue;
+        for (size_t slot = hashOf(kAliasTable[i].view()) % kAliasSlots; kAliasTable[slot].length != 0;
+             slot = (slot + 1) % kAliasSlots)
+            if (slot != i && kAliasTable[slot].view() == kAliasTable[i].view())
+                return false;
+    }
     return true;
 }
-static_assert(aliasesUnique(), "an alias names two character sets");
+static_assert(aliasesUnique(), "an alias names two character sets, or is empty or too long");
 
 PB_CHARSET lookup(PB_STRING *name)
 {
     PB_ASSERT( name );
     PB_INT n = pbStringLength(name);
-    char text[64];
-    if (n == 0 || n > static_cast<PB_INT>(sizeof text))
+    char text[sizeof(LoweredAlias::name)];
+    if (n == 0 || n >= static_cast<PB_INT>(sizeof text))
         return -1;
     const PB_CHAR *chars = pbStringBacking(name);
     for (PB_INT i = 0; i < n; ++i) {
         if (chars[i] > 0x7E || chars[i] <= 0x20)
             return -1;
-        text[i] = static_cast<char>(chars[i]);
+        text[i] = lower(static_cast<char>(chars[i]));
     }
     std::string_view key(text, static_cast<size_t>(n));
-    auto it = std::lower_bound(kSortedAliases.begin(), kSortedAliases.end(), key,
-                               [](const Alias &a, std::string_view k) { return caseOrder(a.name, k) < 0; });
-    return it != kSortedAliases.end() && caseOrder(it->name, key) == 0 ? it->code : -1;
+    for (size_t slot = hashOf(key) % kAliasSlots; kAliasTable[slot].length != 0; slot = (slot + 1) % kAliasSlots)
+        if (kAliasTable[slot].view() == key)
+            return kAliasTable[slot].code;
+    return -1;
 }
 
 // Code points in the host's byte order, as iconv reads and writes them.
