@@ -9,9 +9,14 @@
 #include <mime/mime_content_id.h>
 #include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_content_type.h>
+#include <mime/mime_decode.h>
+#include <mime/mime_encode.h>
 #include <mime/mime_encode_flags.h>
+#include <mime/mime_entity.h>
+#include <mime/mime_entity_parse.h>
 #include <mime/mime_flags.h>
 #include <mime/mime_module.h>
+#include <mime/mime_multipart.h>
 #include <mime/mime_options.h>
 #include <mime/mime_parameterized.h>
 #include <mime/mime_rfc2231.h>

@@ -255,3 +255,57 @@ void mimeOptionsSetRfcQuopOptionsDefault(MIME_OPTIONS **mo) noexcept
     pb::Ref<RFC_QUOP_OPTIONS> fresh = pb::adopt(rfcQuopOptionsCreate());
     storeObject(mo, &MIME_OPTIONS::rfcQuopOptionsDefault, &MIME_OPTIONS::rfcQuopOptions, 1, fresh.get());
 }
+
+PB_STORE *mimeOptionsStore(MIME_OPTIONS *mo, int full) noexcept
+{
+    PB_ASSERT( mo );
+    pb::Ref<PB_STORE> store = pb::adopt(pbStoreCreate());
+    auto setValue = [&](const char *key, PB_STRING *text) {
+        pb::Ref<PB_STRING> held = pb::adopt(text);
+        pbStoreSetValueCstr(store.addr(), key, -1, held.get());
+    };
+    auto setStore = [&](const char *key, PB_STORE *sub) {
+        pb::Ref<PB_STORE> held = pb::adopt(sub);
+        pbStoreSetStoreCstr(store.addr(), key, -1, held.get());
+    };
+    if (!mo->flagsDefault || full)
+        setValue("flags", mimeFlagsToString(mo->flags));
+    if (!mo->wrapLineLengthDefault || full)
+        pbStoreSetValueIntCstr(store.addr(), "wrapLineLength", -1, mo->wrapLineLength);
+    if (!mo->rfc2231CharsetDefault || full)
+        setValue("rfc2231Charset", pbCharsetToString(mo->rfc2231Charset));
+    if (!mo->rfc2231MaxSegmentLengthDefault || full)
+        pbStoreSetValueIntCstr(store.addr(), "rfc2231MaxSegmentLength", -1, mo->rfc2231MaxSegmentLength);
+    if (!mo->rfcBaseOptionsDefault || full)
+        setStore("rfcBaseOptions", rfcBaseOptionsStore(mo->rfcBaseOptions, full));
+    if (!mo->rfcQuopOptionsDefault || full)
+        setStore("rfcQuopOptions", rfcQuopOptionsStore(mo->rfcQuopOptions, full));
+    return store.release();
+}
+
+MIME_OPTIONS *mimeOptionsRestore(PB_STORE *store) noexcept
+{
+    PB_ASSERT( store );
+    pb::Ref<MIME_OPTIONS> mo = pb::adopt(mimeOptionsCreate());
+    if (pb::Ref<PB_STRING> flags = pb::adopt(pbStoreValueCstr(store, "flags", -1)))
+        mimeOptionsSetFlags(mo.addr(), mimeFlagsFromString(flags.get()));
+    PB_INT number = 0;
+    if (pbStoreValueIntCstr(store, &number, "wrapLineLength", -1) && number >= -1)
+        mimeOptionsSetWrapLineLength(mo.addr(), number);
+    if (pb::Ref<PB_STRING> charset = pb::adopt(pbStoreValueCstr(store, "rfc2231Charset", -1))) {
+        PB_CHARSET code = pbCharsetFromString(charset.get());
+        if (PB_CHARSET_OK(code))
+            mimeOptionsSetRfc2231Charset(mo.addr(), code);
+    }
+    if (pbStoreValueIntCstr(store, &number, "rfc2231MaxSegmentLength", -1) && (number == -1 || number > 0))
+        mimeOptionsSetRfc2231MaxSegmentLength(mo.addr(), number);
+    if (pb::Ref<PB_STORE> sub = pb::adopt(pbStoreStoreCstr(store, "rfcBaseOptions", -1))) {
+        pb::Ref<RFC_BASE_OPTIONS> options = pb::adopt(rfcBaseOptionsRestore(sub.get()));
+        mimeOptionsSetRfcBaseOptions(mo.addr(), options.get());
+    }
+    if (pb::Ref<PB_STORE> sub = pb::adopt(pbStoreStoreCstr(store, "rfcQuopOptions", -1))) {
+        pb::Ref<RFC_QUOP_OPTIONS> options = pb::adopt(rfcQuopOptionsRestore(sub.get()));
+        mimeOptionsSetRfcQuopOptions(mo.addr(), options.get());
+    }
+    return mo.release();
+}

@@ -25,6 +25,7 @@
 #include <mime/mime_flags.h>
 #include <pb/pb_charset.h>
 #include <pb/pb_sort.h>
+#include <pb/pb_store.h>
 #include <rfc/rfc_base_options.h>
 #include <rfc/rfc_quop_options.h>
 
@@ -69,6 +70,17 @@ MIME_API RFC_QUOP_OPTIONS *mimeOptionsRfcQuopOptions(MIME_OPTIONS *mo) PB_NOEXCE
 MIME_API void mimeOptionsSetRfcQuopOptions(MIME_OPTIONS **mo, RFC_QUOP_OPTIONS *qo) PB_NOEXCEPT;
 MIME_API int mimeOptionsRfcQuopOptionsDefault(MIME_OPTIONS *mo) PB_NOEXCEPT;
 MIME_API void mimeOptionsSetRfcQuopOptionsDefault(MIME_OPTIONS **mo) PB_NOEXCEPT;
+
+/* Persistence in a store of the runtime: "flags" (flag names), "wrapLineLength"
+ * (integer), "rfc2231Charset" (charset text), "rfc2231MaxSegmentLength"
+ * (integer), and the codec options as the sub-stores "rfcBaseOptions" and
+ * "rfcQuopOptions". mimeOptionsStore writes the settings set explicitly, or all
+ * of them when full is nonzero, into a new store. mimeOptionsRestore returns a
+ * new object (never null) with the defaults, then each stored setting that is
+ * present and valid set through its setter (and so marked as set); anything
+ * missing, of the wrong kind or out of range is skipped. */
+MIME_API PB_STORE *mimeOptionsStore(MIME_OPTIONS *mo, int full) PB_NOEXCEPT;
+MIME_API MIME_OPTIONS *mimeOptionsRestore(PB_STORE *store) PB_NOEXCEPT;
 
 PB_END_DECLS
 

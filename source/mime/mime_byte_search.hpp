@@ -1,0 +1,19 @@
+// Internal: finding a short byte string in a large buffer at memory speed, for
+// the multipart delimiter and the empty line that ends a header block.
+//
+// Candidates are positions whose first and last bytes match the needle's; they
+// are found sixteen positions at a time with SSE2 (where the processor has it)
+// and checked in full only then. Delimiters start with CR and end in a boundary
+// character, so in text and base64 bodies almost no position survives the
+// filter: a body is read once, never once per byte.
+#pragma once
+
+#include <pb/pb_types.h>
+
+namespace mime::bytes {
+
+// The lowest index i >= from with hay[i, i + m) equal to needle[0, m), or -1.
+// 0 <= from <= n; m >= 1.
+PB_INT find(const PB_BYTE *hay, PB_INT n, PB_INT from, const PB_BYTE *needle, PB_INT m) noexcept;
+
+} // namespace mime::bytes

@@ -1,0 +1,136 @@
+#include <mime/mime_content_id.h>
+#include <mime/mime_content_transfer_encoding.h>
+#include <mime/mime_encode.h>
+#include <pb/pb_ref.hpp>
+#include <rfc/rfc_base.h>
+#include <rfc/rfc_quop.h>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+using pb::adopt;
+using pb::Ref;
+
+namespace {
+
+// The length of the base64 text of n bytes: four characters per three bytes or
+// part of them, in lines of lineLength characters (0 or -1: one line) with a
+// CR LF between lines and none after the last.
+PB_INT base64Length(PB_INT n, PB_INT lineLength)
+{
+    PB_INT chars = (n / 3 + (n % 3 != 0)) * 4;
+    if (lineLength <= 0 || chars == 0)
+        return chars;
+    return chars + 2 * ((chars - 1) / lineLength);
+}
+
+// Quoted-printable writes "=", DEL, bytes of 128 and more and control bytes
+// but tab, CR and LF as three-character escapes, and every other byte as at
+// least one character.
+bool alwaysEscaped(PB_BYTE b)
+{
+    return b == '=' || b >= 127 || (b < 32 && b != '\t' && b != '\r' && b != '\n');
+}
+
+#if defined(__SSE2__)
+int escapedIn16(const PB_BYTE *p)
+{
+    __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i *>(p));
+    __m128i high = _mm_cmplt_epi8(v, _mm_setzero_si128()); // 128 and more
+    __m128i control = _mm_andnot_si128(_mm_or_si128(_mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('\t')),
+                                                                 _mm_cmpeq_epi8(v, _mm_set1_epi8('\r'))),
+                                                    _mm_cmpeq_epi8(v, _mm_set1_epi8('\n'))),
+                                       _mm_cmplt_epi8(v, _mm_set1_epi8(32)));
+    __m128i other = _mm_or_si128(_mm_cmpeq_epi8(v, _mm_set1_epi8('=')), _mm_cmpeq_epi8(v, _mm_set1_epi8(127)));
+    return __builtin_popcount(static_cast<unsigned>(_mm_movemask_epi8(_mm_or_si128(_mm_or_si128(high, control), other))));
+}
+#endif
+
+// True when the quoted-printable text of the n bytes cannot be shorter than
+// limit: n + 2 per escaped byte reaches it. Stops counting as soon as it does,
+// which for binary data is after a fraction of the bytes.
+bool quotedPrintableAtLeast(const PB_BYTE *b, PB_INT n, PB_INT limit)
+{
+    PB_INT need = limit - n; // two characters for each escaped byte beyond one
+    if (need <= 0)
+        return true;
+    PB_INT extra = 0, i = 0;
+    while (i < n) {
+        PB_INT blockEnd = i + 4096 < n ? i + 4096 : n;
+#if defined(__SSE2__)
+        for (; i + 16 <= blockEnd; i += 16)
+            extra += 2 * escapedIn16(b + i);
+#endif
+        for (; i < blockEnd; ++i)
+            extra += 2 * alwaysEscaped(b[i]);
+        if (extra >= need)
+            return true;
+    }
+    return false;
+}
+
+struct Coded {
+    MIME_CONTENT_TRANSFER_ENCODING encoding = -1;
+    Ref<PB_BUFFER> bytes;
+};
+
+Coded base64(PB_BUFFER *body, RFC_BASE_OPTIONS *options)
+{
+    Ref<PB_BUFFER> baseBuffer = adopt(rfcBaseEncodeWithOptions(body, RFC_BASE_VARIANT_BASE64, options));
+    PB_ASSERT( baseBuffer );
+    return {MIME_CONTENT_TRANSFER_ENCODING_BASE64, std::move(baseBuffer)};
+}
+
+// The transfer encoding of a body and the bytes to store.
+Coded transferCoded(PB_BUFFER *body, MIME_OPTIONS *opt)
+{
+    MIME_FLAGS flags = mimeOptionsFlags(opt);
+    if (flags & MIME_FLAG_GENERATE_EIGHT_BIT_BODY)
+        return {MIME_CONTENT_TRANSFER_ENCODING_BINARY, pb::retained(body)};
+    if (mimeContentTransferEncodingCheck(MIME_CONTENT_TRANSFER_ENCODING_7BIT, body))
+        return {MIME_CONTENT_TRANSFER_ENCODING_7BIT, pb::retained(body)};
+    Ref<RFC_BASE_OPTIONS> baseOptions = adopt(mimeOptionsRfcBaseOptions(opt));
+    if (flags & MIME_FLAG_GENERATE_DISABLE_QUOTED_PRINTABLE)
+        return base64(body, baseOptions.get());
+    // Quoted-printable wins only when strictly shorter. Base64's length is known
+    // beforehand; encode quoted-printable only when it may be shorter (and when it
+    // can encode the body at all: whole bytes).
+    PB_INT n = pbBufferLength(body);
+    PB_INT limit = base64Length(n, rfcBaseOptionsOutputLineLength(baseOptions.get()));
+    if (pbBufferBitLength(body) % 8 != 0 || quotedPrintableAtLeast(pbBufferBacking(body), n, limit))
+        return base64(body, baseOptions.get());
+    Ref<RFC_QUOP_OPTIONS> quopOptions = adopt(mimeOptionsRfcQuopOptions(opt));
+    Ref<PB_BUFFER> quop = adopt(rfcQuopEncodeWithOptions(body, quopOptions.get()));
+    if (quop && pbBufferLength(quop.get()) < limit)
+        return {MIME_CONTENT_TRANSFER_ENCODING_QUOTED_PRINTABLE, std::move(quop)};
+    return base64(body, baseOptions.get());
+}
+
+} // namespace
+
+MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                        MIME_CONTENT_DISPOSITION *contentDisposition, PB_STRING *optionalContentId) noexcept
+{
+    PB_ASSERT( opt );
+    PB_ASSERT( !optionalContentId || mimeContentIdOk( optionalContentId ) );
+    Coded coded;
+    if (body)
+        coded = transferCoded(body, opt);
+    Ref<MIME_ENTITY> ent = adopt(mimeEntityCreate());
+    auto set = [&](void (*setter)(MIME_ENTITY **, PB_STRING *), PB_STRING *text) {
+        Ref<PB_STRING> held = adopt(text);
+        setter(ent.addr(), held.get());
+    };
+    if (body)
+        set(mimeEntitySetContentTransferEncoding, mimeContentTransferEncodingEncode(coded.encoding, opt, 27));
+    if (contentType)
+        set(mimeEntitySetContentType, mimeContentTypeEncode(contentType, opt, 14));
+    if (contentDisposition)
+        set(mimeEntitySetContentDisposition, mimeContentDispositionEncode(contentDisposition, opt, 21));
+    if (optionalContentId)
+        set(mimeEntitySetContentId, mimeContentIdEncode(optionalContentId));
+    if (body)
+        mimeEntitySetBody(ent.addr(), coded.bytes.get());
+    return ent.release();
+}

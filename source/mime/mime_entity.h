@@ -1,0 +1,66 @@
+/* MIME_ENTITY: one MIME entity in wire form, the currency between entity
+ * decoding and encoding and multipart packing and unpacking.
+ *
+ * Five optional fields, each absent (null) or holding one reference:
+ *
+ *   contentType              PB_STRING  wire-form value of Content-Type
+ *   contentDisposition       PB_STRING  wire-form value of Content-Disposition
+ *   contentTransferEncoding  PB_STRING  wire-form value of Content-Transfer-Encoding
+ *   contentId                PB_STRING  wire-form value of Content-Id, brackets included
+ *   body                     PB_BUFFER  body bytes, still transfer-encoded
+ *
+ * A wire-form value is the text after the field name, the colon and the white
+ * space; it may be folded. The entity parses and checks nothing: the setters
+ * refuse only null. An absent body and an empty body are different states.
+ *
+ * Entities are values: setters and deleters take the address of the caller's
+ * reference and change a private copy when the entity is shared. Getters return
+ * new references, or null for an absent field. The sort has no compare and no
+ * to-string function of its own: the runtime's defaults apply. */
+#ifndef MIME_ENTITY_H
+#define MIME_ENTITY_H
+
+#include <mime/mime_api.h>
+#include <pb/pb_buffer.h>
+#include <pb/pb_sort.h>
+#include <pb/pb_string.h>
+
+PB_BEGIN_DECLS
+
+typedef struct MIME_ENTITY MIME_ENTITY;
+
+PB_SORT_STDFUNCS_DECL(MIME_API, mime, Entity, MIME_ENTITY)
+
+/* A new entity with every field absent. */
+MIME_API MIME_ENTITY *mimeEntityCreate(void) PB_NOEXCEPT;
+/* A new entity holding the same five objects as source. */
+MIME_API MIME_ENTITY *mimeEntityCreateFrom(MIME_ENTITY *source) PB_NOEXCEPT;
+
+MIME_API PB_STRING *mimeEntityContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeEntityHasContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentType(MIME_ENTITY **ent, PB_STRING *contentType) PB_NOEXCEPT;
+MIME_API void mimeEntityDelContentType(MIME_ENTITY **ent) PB_NOEXCEPT;
+
+MIME_API PB_STRING *mimeEntityContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeEntityHasContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentDisposition(MIME_ENTITY **ent, PB_STRING *contentDisposition) PB_NOEXCEPT;
+MIME_API void mimeEntityDelContentDisposition(MIME_ENTITY **ent) PB_NOEXCEPT;
+
+MIME_API PB_STRING *mimeEntityContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeEntityHasContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentTransferEncoding(MIME_ENTITY **ent, PB_STRING *contentTransferEncoding) PB_NOEXCEPT;
+MIME_API void mimeEntityDelContentTransferEncoding(MIME_ENTITY **ent) PB_NOEXCEPT;
+
+MIME_API PB_STRING *mimeEntityContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeEntityHasContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentId(MIME_ENTITY **ent, PB_STRING *contentId) PB_NOEXCEPT;
+MIME_API void mimeEntityDelContentId(MIME_ENTITY **ent) PB_NOEXCEPT;
+
+MIME_API PB_BUFFER *mimeEntityBody(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeEntityHasBody(MIME_ENTITY *ent) PB_NOEXCEPT;
+MIME_API void mimeEntitySetBody(MIME_ENTITY **ent, PB_BUFFER *body) PB_NOEXCEPT;
+MIME_API void mimeEntityDelBody(MIME_ENTITY **ent) PB_NOEXCEPT;
+
+PB_END_DECLS
+
+#endif

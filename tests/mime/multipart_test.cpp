@@ -1,0 +1,337 @@
+// Multipart bodies: the boundary rules, the exact packed layout, collisions, the
+// layouts that unpacking accepts and refuses, the header-block rules of one part,
+// and pack/unpack round trips over generated entities whose bodies hold
+// delimiter-like lines.
+#include "abort.hpp"
+#include "entity.hpp"
+
+#include <gtest/gtest.h>
+
+#include <random>
+#include <vector>
+
+using namespace test;
+
+namespace {
+
+Ref<MIME_CONTENT_TYPE> multipart(const char *boundary = nullptr)
+{
+    Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeCreateCstr("multipart/mixed", -1));
+    if (boundary)
+        mimeContentTypeSetParameterCstrCstrValue(type.addr(), "boundary", -1, boundary, -1);
+    return type;
+}
+
+std::string boundaryOf(MIME_CONTENT_TYPE *type)
+{
+    PB_STRING *b = mimeContentTypeParameterCstr(type, "boundary", -1);
+    return b ? take(b) : "";
+}
+
+Ref<PB_VECTOR> vectorOf(const std::vector<Fields> &entities)
+{
+    Ref<PB_VECTOR> v = adopt(pbVectorCreate());
+    for (const Fields &f : entities)
+        pbVectorAppendObj(v.addr(), mimeEntityObj(entityOf(f).get()));
+    return v;
+}
+
+std::optional<std::vector<Fields>> unpack(const std::string &body, const char *boundary = "B")
+{
+    Ref<PB_VECTOR> parts = adopt(mimeMultipartTryUnpack(multipart(boundary).get(), bytes(body).get(),
+                                                        adopt(mimeOptionsCreate()).get()));
+    if (!parts)
+        return std::nullopt;
+    std::vector<Fields> out;
+    for (PB_INT i = 0; i < pbVectorLength(parts.get()); ++i)
+        out.push_back(fieldsOf(mimeEntityFrom(adopt(pbVectorObjAt(parts.get(), i)).get())));
+    return out;
+}
+
+std::optional<Fields> parse(const std::string &content)
+{
+    Ref<MIME_ENTITY> ent = adopt(mimeEntityTryParse(bytes(content).get(), adopt(mimeOptionsCreate()).get()));
+    return ent ? std::optional<Fields>(fieldsOf(ent.get())) : std::nullopt;
+}
+
+} // namespace
+
+TEST(MultipartBoundary, Rules)
+{
+    const std::pair<std::string, bool> rows[] = {
+        {"", false},         {std::string(71, 'a'), false}, {"ab ", false}, {"a@b", false}, {"\xc3\xa9", false},
+        {"a", true},         {std::string(70, 'a'), true},  {"a b", true},  {"'()+_,-./:=?", true},
+        {"=_att_8a2f", true}, {"a\tb", false},
+    };
+    for (const auto &[boundary, ok] : rows)
+        EXPECT_EQ(mimeMultipartBoundaryOk(str(boundary).get()), ok) << boundary;
+    for (int i = 0; i < 200; ++i) {
+        std::string b = take(mimeMultipartBoundaryGenerate());
+        ASSERT_EQ(b.size(), 10u);
+        for (char c : b)
+            ASSERT_TRUE(std::isalnum(static_cast<unsigned char>(c))) << b;
+    }
+}
+
+TEST(MultipartPack, ExactLayout)
+{
+    Ref<MIME_CONTENT_TYPE> type = multipart("B");
+    Ref<PB_VECTOR> entities = vectorOf({{"text/plain", {}, {}, {}, "hello"}, {}});
+    Ref<PB_BUFFER> packed = adopt(mimeMultipartTryPack(type.addr(), entities.get(), adopt(mimeOptionsCreate()).get()));
+    ASSERT_TRUE(packed);
+    EXPECT_EQ(bytesOf(packed.get()), "--B\r\nContent-Type: text/plain\r\n\r\nhello\r\n--B\r\n\r\n\r\n--B--\r\n");
+
+    // Every field, in the fixed order whatever the order they were set in; UTF-8 values.
+    Ref<MIME_ENTITY> ent = adopt(mimeEntityCreate());
+    mimeEntitySetContentId(ent.addr(), str("<i>").get());
+    mimeEntitySetContentTransferEncoding(ent.addr(), str("7bit").get());
+    mimeEntitySetContentDisposition(ent.addr(), str("attachment; filename=\xe2\x82\xac").get());
+    mimeEntitySetContentType(ent.addr(), str("text/plain").get());
+    Ref<PB_VECTOR> one = adopt(pbVectorCreate());
+    pbVectorAppendObj(one.addr(), mimeEntityObj(ent.get()));
+    packed = adopt(mimeMultipartTryPack(type.addr(), one.get(), adopt(mimeOptionsCreate()).get()));
+    EXPECT_EQ(bytesOf(packed.get()), crlf("--B\nContent-Type: text/plain\nContent-Disposition: attachment; "
+                                          "filename=\xe2\x82\xac\nContent-Transfer-Encoding: 7bit\n"
+                                          "Content-Id: <i>\n\n\n--B--\n"));
+}
+
+TEST(MultipartPack, BoundaryChoice)
+{
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    struct Row {
+        const char *given; // null: no boundary parameter
+        std::string body;
+        bool kept;
+    } rows[] = {
+        {nullptr, "x", false},
+        {"bad@", "x", false},
+        {"B1", "no delimiter here", true},
+        {"B1", "--B1 at the start", false},
+        {"B1", "line\r\n--B1\r\nafter a line break", false},
+        {"B1", "line\r\n--B1longer boundary line", false},
+        {"B1", "in the middle --B1 of a line", true},
+        {"B1", "line\n--B1 after a bare LF", true},
+    };
+    for (const Row &row : rows) {
+        Ref<MIME_CONTENT_TYPE> type = multipart(row.given);
+        Ref<MIME_CONTENT_TYPE> shared = pb::retained(type.get());
+        Ref<PB_VECTOR> entities = vectorOf({{{}, {}, {}, {}, row.body}});
+        Ref<PB_BUFFER> packed = adopt(mimeMultipartTryPack(type.addr(), entities.get(), mo.get()));
+        ASSERT_TRUE(packed);
+        std::string chosen = boundaryOf(type.get());
+        EXPECT_EQ(chosen == (row.given ? row.given : ""), row.kept) << row.body;
+        if (!row.kept) {
+            EXPECT_EQ(chosen.size(), 10u);
+        }
+        EXPECT_EQ(boundaryOf(shared.get()), row.given ? row.given : "") << "the shared value changed";
+        EXPECT_NE(bytesOf(packed.get()).find("\r\n--" + chosen + "--\r\n"), std::string::npos);
+    }
+}
+
+TEST(MultipartPack, HeaderValueWithoutUtf8FormFails)
+{
+    Ref<MIME_CONTENT_TYPE> type = multipart("B");
+    Ref<MIME_ENTITY> ent = adopt(mimeEntityCreate());
+    mimeEntitySetContentType(ent.addr(), chars(U"text/\xD800").get());
+    Ref<PB_VECTOR> one = adopt(pbVectorCreate());
+    pbVectorAppendObj(one.addr(), mimeEntityObj(ent.get()));
+    MIME_CONTENT_TYPE *before = type.get();
+    EXPECT_FALSE(adopt(mimeMultipartTryPack(type.addr(), one.get(), adopt(mimeOptionsCreate()).get())));
+    EXPECT_EQ(type.get(), before);
+    EXPECT_EQ(boundaryOf(type.get()), "B");
+}
+
+TEST(MultipartPack, Preconditions)
+{
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    Ref<MIME_CONTENT_TYPE> type = multipart();
+    Ref<PB_VECTOR> empty = adopt(pbVectorCreate());
+    EXPECT_DEATH(mimeMultipartTryPack(type.addr(), empty.get(), mo.get()),
+                 assertion("source/mime/mime_multipart.cpp", "pbVectorLength( entities )"));
+    Ref<PB_VECTOR> strings = adopt(pbVectorCreate());
+    pbVectorAppendString(strings.addr(), str("x").get());
+    EXPECT_DEATH(mimeMultipartTryPack(type.addr(), strings.get(), mo.get()),
+                 assertion("source/mime/mime_multipart.cpp", "pbVectorContainsOnly( entities, mimeEntitySort() )"));
+}
+
+TEST(MultipartUnpack, AcceptedLayouts)
+{
+    const Fields text{"text/plain", {}, {}, {}, "hi"};
+    const Fields none{};
+    const std::pair<std::string, std::vector<Fields>> rows[] = {
+        {"--B--", {}},
+        {"--B--\r\n", {}},
+        {crlf("preamble\n--B\nContent-Type: text/plain\n\nhi\n--B--\nepilogue"), {text}},
+        {crlf("\n--B\nContent-Type: text/plain\n\nhi\n--B--"), {text}},
+        {crlf("--B \t\nContent-Type: text/plain\n\nhi\n--B\t\n\n--B--"), {text, none}},
+        {crlf("--B\n\n--B\n\n--B--"), {none, none}},
+        {crlf("--B\n\nbody only\n--B--"), {{{}, {}, {}, {}, "body only"}}},
+        {crlf("--B\n\n\n--B--"), {none}},
+        {crlf("--B\n\n\n\n--B--"), {{{}, {}, {}, {}, "\r\n"}}},
+        {crlf("--B\nContent-Type: text/plain\n--B--"), {{"text/plain", {}, {}, {}, {}}}},
+        {crlf("--B\nContent-Type: text/plain\n\n--B--"), {{"text/plain", {}, {}, {}, {}}}},
+        {crlf("--B\nContent-Type: text/plain\n\n\n--B--"), {{"text/plain", {}, {}, {}, {}}}},
+        {crlf("--B\nContent-Type: text/plain\n\nends in a lone CR\r\n--B--"),
+         {{"text/plain", {}, {}, {}, "ends in a lone CR\r"}}},
+        {crlf("--B\nCONTENT-TYPE: text/plain\nContent-id:  <a> \nX-Other: ignored\n\nhi\n--B--"),
+         {{"text/plain", {}, {}, "<a>", "hi"}}},
+        {crlf("--B\nContent-Type: multipart/mixed;\n\tboundary=inner\n\n--inner--\n--B--"),
+         {{"multipart/mixed;\tboundary=inner", {}, {}, {}, "--inner--"}}},
+        {crlf("--B\nContent-Type: text/plain\n\nsee --B in the text\n--B--"),
+         {{"text/plain", {}, {}, {}, "see --B in the text"}}},
+    };
+    for (const auto &[body, parts] : rows) {
+        auto got = unpack(body);
+        ASSERT_TRUE(got) << body;
+        EXPECT_EQ(*got, parts) << body;
+    }
+}
+
+TEST(MultipartUnpack, RefusedLayouts)
+{
+    const std::string rows[] = {
+        "",
+        "no delimiter",
+        "x--B--",                                                // not at a line start
+        crlf("--B\n\nhi"),                                       // no further delimiter
+        crlf("--B\n\nhi\n--B"),                                  // ends right after the boundary
+        crlf("--B\n\nhi\n--B -- \n"),                            // padding before "--"
+        crlf("--BX\n\nhi\n--B--"),                               // a longer boundary
+        crlf("--B\n\nhi\n--BX\n\n--B--"),                        // a longer boundary ends a part
+        crlf("--B x\n\nhi\n--B--"),                              // more than padding
+        crlf("--B\n Content-Type: text/plain\n\nhi\n--B--"),     // first line continues nothing
+        crlf("--B\nContent-Type text/plain\n\nhi\n--B--"),       // no colon
+        crlf("--B\nContent-Type : text/plain\n\nhi\n--B--"),     // space in the name
+        crlf("--B\n: text/plain\n\nhi\n--B--"),                  // empty name
+        crlf("--B\nContent-Id: <a>\ncontent-id: <b>\n\n--B--"),  // a field twice
+        crlf("--B\nX-Bytes: \xff\n\nhi\n--B--"),                 // not UTF-8
+        crlf("--B\nno header line\n--B--"),                      // no empty line: read as headers
+    };
+    for (const std::string &body : rows)
+        EXPECT_FALSE(unpack(body)) << body;
+    EXPECT_FALSE(unpack("--B--", nullptr)) << "no boundary parameter";
+    EXPECT_FALSE(unpack("--a@--", "a@")) << "an invalid boundary";
+}
+
+TEST(EntityParse, HeaderBlocks)
+{
+    const std::pair<std::string, std::optional<Fields>> rows[] = {
+        {"", Fields{}},
+        {"\r\n", Fields{}},
+        {"\r\nbody", Fields{{}, {}, {}, {}, "body"}},
+        {crlf("Content-Type: text/plain\n\nbody\n"), Fields{"text/plain", {}, {}, {}, "body\r\n"}},
+        {crlf("Content-Type: text/plain\n"), Fields{"text/plain", {}, {}, {}, {}}},
+        {crlf("Subject: hi\nContent-Type: text/plain;\n charset=utf-8\n\nx"),
+         Fields{"text/plain; charset=utf-8", {}, {}, {}, "x"}},
+        {crlf("Content-Type: \n \n\n"), Fields{"", {}, {}, {}, {}}},
+        {crlf("X: \xe2\x82\xac\nContent-Disposition: attachment; filename=\xe2\x82\xac\n\n"),
+         Fields{{}, "attachment; filename=\xe2\x82\xac", {}, {}, {}}},
+        {crlf("Content-Type: a\rb\n\n"), Fields{"a\rb", {}, {}, {}, {}}},
+        {crlf("Content\r-Type: a\n\n"), std::nullopt},
+        {crlf("Content-Type: a\nContent-Type: b\n\n"), std::nullopt},
+        {crlf("\tContent-Type: a\n\n"), std::nullopt},
+    };
+    for (const auto &[content, fields] : rows)
+        EXPECT_EQ(parse(content), fields) << content;
+}
+
+TEST(EntityParse, ManyContinuationLinesInLinearTime)
+{
+    std::string content = "Content-Type: text/plain";
+    for (int i = 0; i < 100000; ++i)
+        content += ";\r\n x" + std::to_string(i) + "=y";
+    content += "\r\n\r\nbody";
+    auto fields = parse(content);
+    ASSERT_TRUE(fields);
+    EXPECT_EQ(fields->contentType->size(), content.size() - 2 * 100000 - 14 - 8);
+    EXPECT_EQ(fields->body, "body");
+}
+
+TEST(MultipartRoundTrip, GeneratedEntities)
+{
+    std::mt19937_64 rng(42);
+    auto pick = [&](size_t n) { return static_cast<size_t>(rng() % n); };
+    // Pieces that make bodies look like multipart text, delimiters of the
+    // boundary in use included.
+    const std::string pieces[] = {"--",   "\r\n",  "\r", "\n",     "--B",   "\r\n--B",  "\r\n--B--",
+                                  "text", "\xff", " ",  "\r\n\r\n", "--Bx", "=_", std::string(1, '\0')};
+    auto body = [&] {
+        std::string b;
+        for (size_t n = pick(12); n > 0; --n)
+            b += pieces[pick(std::size(pieces))];
+        return b;
+    };
+    auto value = [&]() -> Text {
+        if (pick(3) == 0)
+            return std::nullopt;
+        std::string v = "v" + std::to_string(pick(1000));
+        if (pick(2))
+            v += "; a=\"b c\"; \xe2\x82\xac";
+        return v;
+    };
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    int replaced = 0;
+    for (int round = 0; round < 300; ++round) {
+        std::vector<Fields> entities(1 + pick(4));
+        for (Fields &f : entities) {
+            f = {value(), value(), value(), value(), pick(4) ? Text(body()) : std::nullopt};
+        }
+        Ref<MIME_CONTENT_TYPE> type = multipart("B");
+        Ref<PB_BUFFER> packed = adopt(mimeMultipartTryPack(type.addr(), vectorOf(entities).get(), mo.get()));
+        ASSERT_TRUE(packed);
+        replaced += boundaryOf(type.get()) != "B";
+        Ref<PB_VECTOR> parts = adopt(mimeMultipartTryUnpack(type.get(), packed.get(), mo.get()));
+        ASSERT_TRUE(parts) << bytesOf(packed.get());
+        ASSERT_EQ(pbVectorLength(parts.get()), static_cast<PB_INT>(entities.size()));
+        for (size_t i = 0; i < entities.size(); ++i) {
+            Fields want = entities[i];
+            if (want.body && want.body->empty())
+                want.body.reset(); // an empty body comes back absent
+            EXPECT_EQ(fieldsOf(mimeEntityFrom(adopt(pbVectorObjAt(parts.get(), static_cast<PB_INT>(i))).get())), want);
+        }
+    }
+    EXPECT_GT(replaced, 10) << "the bodies should force boundary changes";
+}
+
+TEST(MultipartRoundTrip, NestedAndLarge)
+{
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    // A multipart body inside a part of another, and a large body that is found
+    // again without a copy.
+    Ref<MIME_CONTENT_TYPE> inner = multipart();
+    std::string big(3 << 20, 'a');
+    for (size_t i = 0; i < big.size(); i += 77)
+        big.replace(i, 2, "\r\n");
+    Ref<PB_BUFFER> innerBody = adopt(mimeMultipartTryPack(inner.addr(), vectorOf({{"text/plain", {}, {}, {}, big}}).get(), mo.get()));
+    PB_STRING *innerText = mimeContentTypeEncode(inner.get(), mo.get(), 14);
+    Ref<MIME_CONTENT_TYPE> outer = multipart();
+    Ref<PB_BUFFER> outerBody = adopt(mimeMultipartTryPack(
+        outer.addr(), vectorOf({{take(innerText), {}, {}, {}, bytesOf(innerBody.get())}}).get(), mo.get()));
+
+    Ref<PB_VECTOR> parts = adopt(mimeMultipartTryUnpack(outer.get(), outerBody.get(), mo.get()));
+    ASSERT_TRUE(parts);
+    MIME_ENTITY *part = mimeEntityFrom(adopt(pbVectorObjAt(parts.get(), 0)).get());
+    Ref<MIME_CONTENT_TYPE> partType;
+    Ref<PB_BUFFER> partBody;
+    ASSERT_TRUE(mimeDecode(part, mo.get(), partBody.addr(), partType.addr(), nullptr, nullptr));
+    Ref<PB_VECTOR> innerParts = adopt(mimeMultipartTryUnpack(partType.get(), partBody.get(), mo.get()));
+    ASSERT_TRUE(innerParts);
+    Ref<PB_BUFFER> leaf = adopt(mimeEntityBody(mimeEntityFrom(adopt(pbVectorObjAt(innerParts.get(), 0)).get())));
+    EXPECT_EQ(bytesOf(leaf.get()), big);
+    // The leaf's bytes are the outer body's own.
+    const PB_BYTE *outerBytes = pbBufferBacking(outerBody.get());
+    EXPECT_GE(pbBufferBacking(leaf.get()), outerBytes);
+    EXPECT_LE(pbBufferBacking(leaf.get()), outerBytes + pbBufferLength(outerBody.get()));
+}
+
+TEST(MultipartUnpack, ManyPartsInLinearTime)
+{
+    std::string body;
+    for (int i = 0; i < 100000; ++i)
+        body += "\r\n--B\r\nContent-Id: <" + std::to_string(i) + ">\r\n\r\nx";
+    body += "\r\n--B--";
+    auto parts = unpack(body);
+    ASSERT_TRUE(parts);
+    ASSERT_EQ(parts->size(), 100000u);
+    EXPECT_EQ((*parts)[99999].contentId, "<99999>");
+}
