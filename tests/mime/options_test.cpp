@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <mime/mime.h>
 
+#include <algorithm>
 #include <functional>
 
 using namespace test;
@@ -138,6 +139,81 @@ TEST(Options, CopyBeforeChangeSharesCodecOptions)
     MIME_OPTIONS *sole = b.get();
     mimeOptionsSetRfc2231Charset(b.addr(), 50);
     EXPECT_EQ(b.get(), sole) << "a sole reference changes in place";
+}
+
+namespace {
+
+std::vector<std::string> keysOf(PB_STORE *store)
+{
+    std::vector<std::string> keys;
+    for (PB_INT i = 0; i < pbStoreLength(store); ++i)
+        keys.push_back(take(pbStoreKeyAt(store, i)));
+    std::sort(keys.begin(), keys.end());
+    return keys;
+}
+
+Ref<MIME_OPTIONS> restored(PB_STORE *store)
+{
+    return adopt(mimeOptionsRestore(store));
+}
+
+} // namespace
+
+TEST(OptionsStore, RecordsWhatWasSet)
+{
+    const std::vector<std::string> all = {"flags", "rfc2231Charset", "rfc2231MaxSegmentLength", "rfcBaseOptions",
+                                          "rfcQuopOptions", "wrapLineLength"};
+    Ref<MIME_OPTIONS> mo = fresh();
+    EXPECT_EQ(keysOf(adopt(mimeOptionsStore(mo.get(), 0)).get()), std::vector<std::string>{});
+    EXPECT_EQ(mimeOptionsCompare(restored(adopt(pbStoreCreate()).get()).get(), mo.get()), 0);
+
+    // A full store restores the same values, every one marked as set.
+    Ref<PB_STORE> full = adopt(mimeOptionsStore(mo.get(), 1));
+    EXPECT_EQ(keysOf(full.get()), all);
+    Ref<MIME_OPTIONS> back = restored(full.get());
+    EXPECT_NE(mimeOptionsCompare(back.get(), mo.get()), 0);
+    for (const Setting &s : settings())
+        EXPECT_EQ(s.isDefault(back.get()), 0) << s.name;
+    EXPECT_EQ(keysOf(adopt(mimeOptionsStore(back.get(), 0)).get()), all);
+
+    // Each setting alone: stored under its own key, restored equal to the original.
+    for (const Setting &s : settings()) {
+        Ref<MIME_OPTIONS> one = fresh();
+        s.setToDefaultValue(one.addr());
+        Ref<PB_STORE> store = adopt(mimeOptionsStore(one.get(), 0));
+        EXPECT_EQ(keysOf(store.get()), std::vector<std::string>{s.name});
+        EXPECT_EQ(mimeOptionsCompare(restored(store.get()).get(), one.get()), 0) << s.name;
+    }
+
+    // Values away from the defaults survive the trip.
+    Ref<MIME_OPTIONS> changed = fresh();
+    mimeOptionsSetFlags(changed.addr(), MIME_FLAG_GENERATE_EIGHT_BIT_BODY | MIME_FLAG_GENERATE_UNICODE_HEADERS);
+    mimeOptionsSetWrapLineLength(changed.addr(), 100);
+    mimeOptionsSetRfc2231Charset(changed.addr(), PB_CHARSET_ISO_8859_1);
+    mimeOptionsSetRfc2231MaxSegmentLength(changed.addr(), -1);
+    Ref<RFC_QUOP_OPTIONS> qo = adopt(rfcQuopOptionsCreate());
+    rfcQuopOptionsSetMaxLineLength(qo.addr(), 40);
+    mimeOptionsSetRfcQuopOptions(changed.addr(), qo.get());
+    EXPECT_EQ(mimeOptionsCompare(restored(adopt(mimeOptionsStore(changed.get(), 0)).get()).get(), changed.get()), 0);
+}
+
+TEST(OptionsStore, RestoreSkipsWhatIsInvalid)
+{
+    Ref<PB_STORE> store = adopt(pbStoreCreate());
+    pbStoreSetValueIntCstr(store.addr(), "wrapLineLength", -1, -2);
+    pbStoreSetValueIntCstr(store.addr(), "rfc2231MaxSegmentLength", -1, 0);
+    pbStoreSetValueCstr(store.addr(), "rfc2231Charset", -1, str("x-unknown").get());
+    pbStoreSetValueCstr(store.addr(), "unrelated", -1, str("1").get());
+    pbStoreSetStoreCstr(store.addr(), "flags", -1, adopt(pbStoreCreate()).get()); // the wrong kind
+    EXPECT_EQ(mimeOptionsCompare(restored(store.get()).get(), fresh().get()), 0);
+
+    pbStoreSetValueCstr(store.addr(), "flags", -1, str("").get());
+    pbStoreSetValueIntCstr(store.addr(), "wrapLineLength", -1, -1);
+    Ref<MIME_OPTIONS> mo = restored(store.get());
+    EXPECT_EQ(mimeOptionsFlags(mo.get()), mimeFlagsFromStringCstr("", -1));
+    EXPECT_EQ(mimeOptionsFlagsDefault(mo.get()), 0);
+    EXPECT_EQ(mimeOptionsWrapLineLength(mo.get()), -1);
+    EXPECT_NE(mimeOptionsRfc2231MaxSegmentLengthDefault(mo.get()), 0);
 }
 
 using OptionsDeathTest = testing::Test;
