@@ -132,6 +132,145 @@ void ctParse(const std::string &dir, long count)
     mimeOptionsRelease(mo);
 }
 
+
+// Part count and body bytes of an unpacked multipart body, as the harness checks them.
+struct Split {
+    long parts = 0, bytes = 0;
+};
+
+Split split(MIME_CONTENT_TYPE *type, PB_BUFFER *body, MIME_OPTIONS *mo)
+{
+    Split s;
+    PB_VECTOR *parts = mimeMultipartTryUnpack(type, body, mo);
+    if (!parts)
+        return s;
+    s.parts = pbVectorLength(parts);
+    for (PB_INT i = 0; i < s.parts; ++i) {
+        PB_OBJ *part = pbVectorObjAt(parts, i);
+        if (PB_BUFFER *b = mimeEntityBody(mimeEntityFrom(part))) {
+            s.bytes += pbBufferLength(b);
+            pbObjRelease(pbBufferObj(b));
+        }
+        pbObjRelease(part);
+    }
+    pbObjRelease(pbVectorObj(parts));
+    return s;
+}
+
+// A multipart body and its decoded Content-Type, from NAME.body and NAME.ct;
+// the expected part count and byte total from NAME.meta.
+struct Multipart {
+    PB_BUFFER *body;
+    MIME_CONTENT_TYPE *type;
+    Split want;
+};
+
+Multipart loadMultipart(const std::string &dir, const std::string &name, MIME_OPTIONS *mo)
+{
+    std::string ct = load(dir, (name + ".ct").c_str());
+    PB_STRING *text = pbStringCreateFromCstr(ct.data(), static_cast<PB_INT>(ct.size()));
+    Multipart m{bufferOf(load(dir, (name + ".body").c_str())), mimeContentTypeTryDecode(text, mo), {}};
+    pbStringRelease(text);
+    if (!m.type)
+        fail(name + ".ct does not decode");
+    if (std::sscanf(load(dir, (name + ".meta").c_str()).c_str(), "%ld %ld", &m.want.parts, &m.want.bytes) != 2)
+        fail(name + ".meta unreadable");
+    return m;
+}
+
+void checkSplit(const Multipart &m, const Split &got)
+{
+    if (got.parts != m.want.parts || got.bytes != m.want.bytes)
+        fail("parts " + std::to_string(got.parts) + " bytes " + std::to_string(got.bytes) + ", want " +
+             std::to_string(m.want.parts) + " " + std::to_string(m.want.bytes));
+}
+
+void freeMultipart(Multipart &m)
+{
+    pbBufferRelease(m.body);
+    mimeContentTypeRelease(m.type);
+}
+
+template <class Op> void timedOps(long count, const char *note, Op op)
+{
+    if (count <= 0)
+        count = 100000;
+    auto start = std::chrono::steady_clock::now();
+    for (long i = 0; i < count; ++i)
+        op();
+    double seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    std::printf("RESULT %s ops %ld %.6f %s\n", workload, count, seconds, note);
+}
+
+// mp-sip: the 3-part SIP body unpacked again and again; parts are views of the body.
+void mpSip(const std::string &dir, long count, MIME_OPTIONS *mo)
+{
+    Multipart m = loadMultipart(dir, "sip", mo);
+    checkSplit(m, split(m.type, m.body, mo));
+    timedOps(count, "bodies are views, not copied", [&] { split(m.type, m.body, mo); });
+    freeMultipart(m);
+}
+
+// mp-big: the 32 MiB body split once per pass.
+void mpBig(const std::string &dir, long count, MIME_OPTIONS *mo)
+{
+    Multipart m = loadMultipart(dir, "big", mo);
+    Split got;
+    bulk(m.body, static_cast<size_t>(pbBufferLength(m.body)), count, "bodies are views, not copied",
+         [&](PB_BUFFER *body) {
+             got = split(m.type, body, mo);
+             return pbBufferCreate();
+         },
+         [&](PB_BUFFER *) { checkSplit(m, got); });
+    freeMultipart(m);
+}
+
+// mp-pack: the three SIP parts (Content-Type and body, as they are) packed under
+// a fresh boundary each time.
+void mpPack(const std::string &dir, long count, MIME_OPTIONS *mo)
+{
+    PB_VECTOR *entities = pbVectorCreate();
+    std::vector<std::string> bodies;
+    for (int i = 0; i < 3; ++i) {
+        std::string ct = load(dir, ("pack" + std::to_string(i) + ".ct").c_str());
+        bodies.push_back(load(dir, ("pack" + std::to_string(i) + ".body").c_str()));
+        MIME_ENTITY *ent = mimeEntityCreate();
+        mimeEntitySetContentTypeCstr(&ent, ct.data(), static_cast<PB_INT>(ct.size()));
+        PB_BUFFER *body = bufferOf(bodies.back());
+        mimeEntitySetBody(&ent, body);
+        pbBufferRelease(body);
+        pbVectorAppendObj(&entities, mimeEntityObj(ent));
+        mimeEntityRelease(ent);
+    }
+    MIME_CONTENT_TYPE *mixed = mimeContentTypeCreateCstr("multipart/mixed", -1);
+    auto pack = [&] {
+        MIME_CONTENT_TYPE *type = mimeContentTypeRetain(mixed);
+        PB_BUFFER *packed = mimeMultipartTryPack(&type, entities, mo);
+        mimeContentTypeRelease(type);
+        return packed;
+    };
+    // Check: the output unpacks into the same three bodies.
+    MIME_CONTENT_TYPE *type = mimeContentTypeRetain(mixed);
+    PB_BUFFER *packed = mimeMultipartTryPack(&type, entities, mo);
+    PB_VECTOR *parts = packed ? mimeMultipartTryUnpack(type, packed, mo) : nullptr;
+    if (!parts || pbVectorLength(parts) != 3)
+        fail("packed output does not unpack into 3 parts");
+    for (PB_INT i = 0; i < 3; ++i) {
+        PB_OBJ *part = pbVectorObjAt(parts, i);
+        PB_BUFFER *b = mimeEntityBody(mimeEntityFrom(part));
+        if (!equals(b, bodies[static_cast<size_t>(i)]))
+            fail("body " + std::to_string(i) + " differs after packing");
+        pbObjRelease(pbBufferObj(b));
+        pbObjRelease(part);
+    }
+    pbObjRelease(pbVectorObj(parts));
+    pbBufferRelease(packed);
+    mimeContentTypeRelease(type);
+    timedOps(count, "fresh boundary, collision check", [&] { pbBufferRelease(pack()); });
+    mimeContentTypeRelease(mixed);
+    pbObjRelease(pbVectorObj(entities));
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -183,6 +322,12 @@ int main(int argc, char **argv)
     } else if (w == "ct-parse") {
         pbModuleStartup(mimeModule());
         ctParse(dir, count);
+        pbModuleShutdown(mimeModule());
+    } else if (w == "mp-sip" || w == "mp-big" || w == "mp-pack") {
+        pbModuleStartup(mimeModule());
+        MIME_OPTIONS *mo = mimeOptionsCreate();
+        (w == "mp-sip" ? mpSip : w == "mp-big" ? mpBig : mpPack)(dir, count, mo);
+        mimeOptionsRelease(mo);
         pbModuleShutdown(mimeModule());
     } else {
         std::printf("SKIP %s not built yet\n", workload);

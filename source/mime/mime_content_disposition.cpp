@@ -54,3 +54,5 @@ PB_STRING *mimeContentDispositionEncode(MIME_CONTENT_DISPOSITION *contentDisposi
     mime::parameters::write(tokens.addr(), contentDisposition->parameters, mo);
     return mimeShfTokenVectorEncode(tokens.get(), mo, firstLineOffset);
 }
+
+PB___TEXT_VARIANTS(MIME_CONTENT_DISPOSITION *, mimeContentDispositionTryDecode, (), (), (, MIME_OPTIONS *mo), (, mo))

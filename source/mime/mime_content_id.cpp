@@ -1,5 +1,6 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_content_id.h>
+#include <pb/pb_text.hpp>
 #include <pb/pb_abort.h>
 #include <pb/pb_identifier.h>
 
@@ -45,3 +46,9 @@ PB_STRING *mimeContentIdTryDecode(PB_STRING *raw) noexcept
     pbStringRelease(cid);
     return nullptr;
 }
+
+PB___TEXT_VARIANTS(PB_BOOL, mimeContentIdOk, (), (), (), ())
+
+PB___TEXT_VARIANTS(PB_STRING *, mimeContentIdEncode, (), (), (), ())
+
+PB___TEXT_VARIANTS(PB_STRING *, mimeContentIdTryDecode, (), (), (), ())

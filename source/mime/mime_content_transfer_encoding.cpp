@@ -1,5 +1,6 @@
 #include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_shf_token_vector.h>
+#include <pb/pb_text.hpp>
 #include <pb/pb_ref.hpp>
 
 #include <cstring>
@@ -136,3 +137,5 @@ PB_BOOL mimeContentTransferEncodingCheck(MIME_CONTENT_TRANSFER_ENCODING cte, PB_
     return linesOk(pbBufferBacking(buf), static_cast<size_t>(pbBufferLength(buf)),
                    cte == MIME_CONTENT_TRANSFER_ENCODING_8BIT);
 }
+
+PB___TEXT_VARIANTS(MIME_CONTENT_TRANSFER_ENCODING, mimeContentTransferEncodingTryDecode, (), (), (, MIME_OPTIONS *mo), (, mo))

@@ -83,3 +83,5 @@ PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *m
     mime::parameters::write(tokens.addr(), contentType->parameters, mo);
     return mimeShfTokenVectorEncode(tokens.get(), mo, firstLineOffset);
 }
+
+PB___TEXT_VARIANTS(MIME_CONTENT_TYPE *, mimeContentTypeTryDecode, (), (), (, MIME_OPTIONS *mo), (, mo))

@@ -91,3 +91,11 @@ MIME___ENTITY_FIELD(ContentDisposition, contentDisposition, PB_STRING)
 MIME___ENTITY_FIELD(ContentTransferEncoding, contentTransferEncoding, PB_STRING)
 MIME___ENTITY_FIELD(ContentId, contentId, PB_STRING)
 MIME___ENTITY_FIELD(Body, body, PB_BUFFER)
+
+PB___TEXT_VARIANTS(void, mimeEntitySetContentType, (MIME_ENTITY **ent,), (ent,), (), ())
+
+PB___TEXT_VARIANTS(void, mimeEntitySetContentDisposition, (MIME_ENTITY **ent,), (ent,), (), ())
+
+PB___TEXT_VARIANTS(void, mimeEntitySetContentTransferEncoding, (MIME_ENTITY **ent,), (ent,), (), ())
+
+PB___TEXT_VARIANTS(void, mimeEntitySetContentId, (MIME_ENTITY **ent,), (ent,), (), ())

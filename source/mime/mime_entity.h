@@ -39,21 +39,29 @@ MIME_API MIME_ENTITY *mimeEntityCreateFrom(MIME_ENTITY *source) PB_NOEXCEPT;
 MIME_API PB_STRING *mimeEntityContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentType(MIME_ENTITY **ent, PB_STRING *contentType) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentTypeCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentTypeWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentType(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 MIME_API PB_STRING *mimeEntityContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentDisposition(MIME_ENTITY **ent, PB_STRING *contentDisposition) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentDispositionCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentDispositionWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentDisposition(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 MIME_API PB_STRING *mimeEntityContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentTransferEncoding(MIME_ENTITY **ent, PB_STRING *contentTransferEncoding) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentTransferEncodingCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentTransferEncodingWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentTransferEncoding(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 MIME_API PB_STRING *mimeEntityContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentId(MIME_ENTITY **ent, PB_STRING *contentId) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentIdCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentIdWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentId(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 MIME_API PB_BUFFER *mimeEntityBody(MIME_ENTITY *ent) PB_NOEXCEPT;

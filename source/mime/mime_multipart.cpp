@@ -2,6 +2,7 @@
 #include <mime/mime_char.h>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_multipart.h>
+#include <pb/pb_text.hpp>
 #include <pb/pb_random.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_utf8.hpp>
@@ -267,3 +268,5 @@ PB_VECTOR *mimeMultipartTryUnpack(MIME_CONTENT_TYPE *contentType, PB_BUFFER *con
     }
     return nullptr; // no delimiter at all
 }
+
+PB___TEXT_VARIANTS(PB_BOOL, mimeMultipartBoundaryOk, (), (), (), ())

@@ -32,6 +32,8 @@
 PB_BEGIN_DECLS
 
 MIME_API PB_BOOL mimeMultipartBoundaryOk(PB_STRING *pbs) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeMultipartBoundaryOkCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeMultipartBoundaryOkWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 /* A new random boundary of 10 letters and digits. */
 MIME_API PB_STRING *mimeMultipartBoundaryGenerate(void) PB_NOEXCEPT;
 

@@ -186,3 +186,9 @@ PB_STRING *mimeShfTokenValue(MIME_SHF_TOKEN *tok) noexcept
     }
     return stringOf(value);
 }
+
+PB___TEXT_VARIANTS(MIME_SHF_TOKEN *, mimeShfTokenCreateTokenOrQuotedString, (), (), (), ())
+
+PB___TEXT_VARIANTS(MIME_SHF_TOKEN *, mimeShfTokenCreateComment, (), (), (), ())
+
+PB___TEXT_VARIANTS(MIME_SHF_TOKEN *, mimeShfTokenCreateRawValue, (), (), (), ())

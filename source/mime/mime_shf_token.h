@@ -33,12 +33,18 @@ MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTspecial(PB_CHAR tspecial) PB_NOEXCEP
  * space or tspecial; otherwise a quoted string (type 1) in which CR, quotation
  * mark and backslash get a backslash before them. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedString(PB_STRING *tokenOrQuotedString) PB_NOEXCEPT;
+MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 /* A comment; CR, LF and every tspecial of the value get a backslash before them. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) PB_NOEXCEPT;
+MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateCommentCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateCommentWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 /* A token of the type that the wire text has: a single tspecial, a well-formed
  * quoted string, domain literal or comment, or a plain token, in this order of
  * trial. The token keeps rawValue itself. Text of none of these forms aborts. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateRawValue(PB_STRING *rawValue) PB_NOEXCEPT;
+MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateRawValueCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateRawValueWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
 MIME_API MIME_SHF_TOKEN_TYPE mimeShfTokenType(MIME_SHF_TOKEN *tok) PB_NOEXCEPT;
 /* The text as on the wire (new reference). */

@@ -2,6 +2,7 @@
 #include <mime/mime_shf_scanner.hpp>
 #include <mime/mime_shf_token.hpp>
 #include <mime/mime_shf_token_vector.h>
+#include <pb/pb_text.hpp>
 #include <pb/pb_int.h>
 #include <pb/pb_ref.hpp>
 
@@ -135,3 +136,5 @@ PB_STRING *mimeShfTokenVectorEncode(PB_VECTOR *vec, MIME_OPTIONS *mo, PB_INT fir
     }
     return out.release();
 }
+
+PB___TEXT_VARIANTS(PB_VECTOR *, mimeShfTokenVectorTryDecode, (), (), (), ())

@@ -19,6 +19,8 @@ PB_BEGIN_DECLS
  * backslash, holds a CR that does not start a fold (CR LF and a space or tab), or
  * (a domain literal) holds an unescaped "[". Linear in the length of the value. */
 MIME_API PB_VECTOR *mimeShfTokenVectorTryDecode(PB_STRING *value) PB_NOEXCEPT;
+MIME_API PB_VECTOR *mimeShfTokenVectorTryDecodeCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+MIME_API PB_VECTOR *mimeShfTokenVectorTryDecodeWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
 /* Removes the comments from *vec, keeping the other tokens in their order; other
  * holders of a shared vector keep theirs. Linear in the length of the vector. */

@@ -214,3 +214,18 @@ TEST(EntityEncode, RoundTripsAndChoosesByTheTable)
         }
     }
 }
+
+TEST(Entity, TextVariants)
+{
+    Ref<MIME_ENTITY> ent = adopt(mimeEntityCreate());
+    mimeEntitySetContentTypeCstr(ent.addr(), "text/plain; x", 10);
+    mimeEntitySetContentIdWcstr(ent.addr(), L"<\u20ac>", -1);
+    mimeEntitySetContentDispositionCstr(ent.addr(), "inline", -1);
+    mimeEntitySetContentTransferEncodingWcstr(ent.addr(), L"7bit", -1);
+    EXPECT_EQ(fieldsOf(ent.get()), (Fields{"text/plain", "inline", "7bit", "<\xe2\x82\xac>", {}}));
+    EXPECT_TRUE(mimeMultipartBoundaryOkCstr("a b", -1));
+    EXPECT_FALSE(mimeMultipartBoundaryOkWcstr(L"a ", -1));
+    EXPECT_EQ(take(mimeContentIdTryDecodeCstr(" <x@y> ", -1)), "x@y");
+    EXPECT_EQ(mimeContentTransferEncodingTryDecodeWcstr(L"Base64", -1, adopt(mimeOptionsCreate()).get()),
+              MIME_CONTENT_TRANSFER_ENCODING_BASE64);
+}
