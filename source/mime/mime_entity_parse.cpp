@@ -23,24 +23,22 @@ bool isTrimmed(PB_CHAR c)
 }
 
 // The field a header name sets, compared as the runtime lowers text (ASCII
-// letters only); -1 for any other name.
+// letters only); -1 for any other name. The four names differ in length.
 enum Field { kContentType, kContentDisposition, kContentTransferEncoding, kContentId, kFieldCount };
 
 int fieldOf(const PB_CHAR *name, PB_INT n)
 {
     static const char *const names[kFieldCount] = {"content-type", "content-disposition", "content-transfer-encoding",
                                                     "content-id"};
-    for (int f = 0; f < kFieldCount; ++f) {
-        const char *want = names[f];
-        if (static_cast<size_t>(n) != std::strlen(want))
-            continue;
-        PB_INT i = 0;
-        while (i < n && (name[i] - 'A' < 26u ? name[i] + 32 : name[i]) == static_cast<PB_CHAR>(want[i]))
-            ++i;
-        if (i == n)
-            return f;
-    }
-    return -1;
+    int f = n == 12 ? kContentType : n == 19 ? kContentDisposition : n == 25 ? kContentTransferEncoding
+          : n == 10                                                          ? kContentId
+                                                                             : -1;
+    if (f < 0)
+        return -1;
+    for (PB_INT i = 0; i < n; ++i)
+        if ((name[i] - 'A' < 26u ? name[i] + 32 : name[i]) != static_cast<PB_CHAR>(names[f][i]))
+            return -1;
+    return f;
 }
 
 // The fields of a header block, read line by line into the entity.
@@ -56,9 +54,12 @@ public:
         // line follows (or the end); each physical line is looked at once.
         for (PB_INT start = 0; start < n_;) {
             PB_INT end = lineEnd(start);
-            while (end + 2 < n_ && isLwsp(c_[end + 2]))
+            bool folded = false;
+            while (end + 2 < n_ && isLwsp(c_[end + 2])) {
                 end = lineEnd(end + 2);
-            if (!readLine(start, end, ent))
+                folded = true;
+            }
+            if (!readLine(start, end, folded, ent))
                 return false;
             start = end + 2;
         }
@@ -75,7 +76,7 @@ private:
         return n_;
     }
 
-    bool readLine(PB_INT start, PB_INT end, MIME_ENTITY **ent)
+    bool readLine(PB_INT start, PB_INT end, bool folded, MIME_ENTITY **ent)
     {
         PB_INT colon = start;
         while (colon < end && c_[colon] != ':')
@@ -91,7 +92,7 @@ private:
         if (seen_[field])
             return false;
         seen_[field] = true;
-        Ref<PB_STRING> value = adopt(joinedValue(colon + 1, end));
+        Ref<PB_STRING> value = adopt(joinedValue(colon + 1, end, folded));
         switch (field) {
         case kContentType:
             mimeEntitySetContentType(ent, value.get());
@@ -111,12 +112,14 @@ private:
 
     // The text of [from, end) trimmed, without the CR LF of each continuation
     // (every CR LF inside a joined line is one).
-    PB_STRING *joinedValue(PB_INT from, PB_INT end) const
+    PB_STRING *joinedValue(PB_INT from, PB_INT end, bool folded) const
     {
         while (from < end && isTrimmed(c_[from]))
             ++from;
         while (end > from && isTrimmed(c_[end - 1]))
             --end;
+        if (!folded)
+            return pbStringCreateFromCharsCopy(c_ + from, end - from);
         mime::SmallVector<PB_CHAR, 256> chars;
         PB_INT run = from;
         for (PB_INT i = from; i + 1 < end; ++i) {

@@ -1,5 +1,5 @@
 #include <mime/mime_byte_search.hpp>
-#include <mime/mime_char.h>
+#include <mime/mime_char.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_multipart.h>
 #include <pb/pb_text.hpp>
@@ -20,10 +20,11 @@ PB_BOOL mimeMultipartBoundaryOk(PB_STRING *pbs) noexcept
     PB_INT n = pbStringLength(pbs);
     if (n == 0 || n > 70)
         return PB_FALSE;
+    using namespace mime::chars;
     for (PB_INT i = 0; i < n - 1; ++i)
-        if (!mime___CharIsBchars(c[i]))
+        if (c[i] != ' ' && !is(c[i], kBcharNospace))
             return PB_FALSE;
-    return mime___CharIsBcharsNospace(c[n - 1]);
+    return is(c[n - 1], kBcharNospace);
 }
 
 PB_STRING *mimeMultipartBoundaryGenerate(void) noexcept
@@ -121,11 +122,14 @@ public:
             if (!values_[f])
                 continue;
             const PB_CHAR *c = pbStringBacking(values_[f].get());
-            size += static_cast<PB_INT>(std::strlen(kNames[f])) + 2;
-            for (PB_INT i = 0, n = pbStringLength(values_[f].get()); i < n; ++i) {
+            PB_INT n = pbStringLength(values_[f].get());
+            size += static_cast<PB_INT>(std::strlen(kNames[f])) + 2 + n;
+            for (PB_INT i = 0; i < n; ++i) {
+                if (c[i] < 0x80)
+                    continue;
                 if (!pb::utf8::isScalar(c[i]))
                     return -1;
-                size += pb::utf8::encodedLength(c[i]);
+                size += pb::utf8::encodedLength(c[i]) - 1;
             }
         }
         return size;
@@ -138,8 +142,12 @@ public:
                 continue;
             out = put(out, kNames[f], std::strlen(kNames[f]));
             const PB_CHAR *c = pbStringBacking(values_[f].get());
-            for (PB_INT i = 0, n = pbStringLength(values_[f].get()); i < n; ++i)
-                out += pb::utf8::encode(c[i], out);
+            for (PB_INT i = 0, n = pbStringLength(values_[f].get()); i < n; ++i) {
+                if (c[i] < 0x80)
+                    *out++ = static_cast<PB_BYTE>(c[i]);
+                else
+                    out += pb::utf8::encode(c[i], out);
+            }
             out = put(out, "\r\n", 2);
         }
         out = put(out, "\r\n", 2);
