@@ -2,15 +2,23 @@
 #include <pb/pb_random.h>
 #include <pb/pb_random.hpp>
 
+#include <atomic>
 #include <cerrno>
+#include <pthread.h>
 #include <sys/random.h>
 #include <unistd.h>
 
 namespace {
 
+// Counts the forks this process image went through: a generator seeded before a
+// fork seeds again in the child instead of repeating the parent's numbers. A
+// fork handler keeps the count, so that drawing a number costs no system call.
+std::atomic<uint64_t> forks{1};
+[[maybe_unused]] const int kForkHandler = pthread_atfork(nullptr, nullptr, [] { forks.fetch_add(1); });
+
 struct Generator {
     uint64_t s[4];
-    pid_t pid; // the process that seeded it: a forked child seeds its own
+    uint64_t forks; // the fork count when it was seeded; 0: not seeded
 };
 
 thread_local Generator generator{{0, 0, 0, 0}, 0};
@@ -33,12 +41,12 @@ uint64_t step(uint64_t *s)
 
 Generator &seeded()
 {
-    pid_t pid = getpid();
-    if (generator.pid != pid) {
+    uint64_t now = forks.load(std::memory_order_relaxed);
+    if (generator.forks != now) {
         do
             pb::random::osBytes(generator.s, sizeof generator.s);
         while (!(generator.s[0] | generator.s[1] | generator.s[2] | generator.s[3]));
-        generator.pid = pid;
+        generator.forks = now;
     }
     return generator;
 }
@@ -68,7 +76,7 @@ uint64_t next64() noexcept
 
 uint64_t priority() noexcept
 {
-    Generator &g = generator.pid ? generator : seeded();
+    Generator &g = generator.forks ? generator : seeded();
     return step(g.s);
 }
 
