@@ -7,7 +7,9 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <random>
+#include <thread>
 #include <vector>
 
 using namespace test;
@@ -334,4 +336,36 @@ TEST(MultipartUnpack, ManyPartsInLinearTime)
     ASSERT_TRUE(parts);
     ASSERT_EQ(parts->size(), 100000u);
     EXPECT_EQ((*parts)[99999].contentId, "<99999>");
+}
+
+// Threads pack under one shared Content-Type and unpack and decode one shared
+// body, each through its own references; the shared values never change.
+TEST(MultipartConcurrency, SharedValuesAcrossThreads)
+{
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    Ref<MIME_CONTENT_TYPE> shared = multipart("B");
+    Ref<PB_VECTOR> entities = vectorOf({{"text/plain", {}, "base64", "<a>", "aGVsbG8="}, {{}, {}, {}, {}, "x"}});
+    Ref<MIME_CONTENT_TYPE> packedType = pb::retained(shared.get());
+    Ref<PB_BUFFER> packed = adopt(mimeMultipartTryPack(packedType.addr(), entities.get(), mo.get()));
+    std::vector<std::thread> threads;
+    std::atomic<int> failures{0};
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&] {
+            for (int round = 0; round < 500; ++round) {
+                Ref<MIME_CONTENT_TYPE> mine = pb::retained(shared.get());
+                Ref<PB_BUFFER> out = adopt(mimeMultipartTryPack(mine.addr(), entities.get(), mo.get()));
+                Ref<PB_VECTOR> parts = adopt(mimeMultipartTryUnpack(packedType.get(), packed.get(), mo.get()));
+                Ref<PB_BUFFER> body;
+                bool ok = out && parts && pbVectorLength(parts.get()) == 2 &&
+                          mimeDecode(mimeEntityFrom(adopt(pbVectorObjAt(parts.get(), 0)).get()), mo.get(), body.addr(),
+                                     nullptr, nullptr, nullptr) &&
+                          bytesOf(body.get()) == "hello" && mine.get() != shared.get();
+                failures += !ok;
+            }
+        });
+    }
+    for (std::thread &t : threads)
+        t.join();
+    EXPECT_EQ(failures, 0);
+    EXPECT_EQ(boundaryOf(shared.get()), "B");
 }
