@@ -6,6 +6,7 @@
 #include <pb/pb_ref.hpp>
 
 #include <cstring>
+#include <string_view>
 
 namespace {
 
@@ -28,11 +29,12 @@ enum Field { kContentType, kContentDisposition, kContentTransferEncoding, kConte
 
 int fieldOf(const PB_CHAR *name, PB_INT n)
 {
-    static const char *const names[kFieldCount] = {"content-type", "content-disposition", "content-transfer-encoding",
-                                                    "content-id"};
-    int f = n == 12 ? kContentType : n == 19 ? kContentDisposition : n == 25 ? kContentTransferEncoding
-          : n == 10                                                          ? kContentId
-                                                                             : -1;
+    static constexpr std::string_view names[kFieldCount] = {"content-type", "content-disposition",
+                                                             "content-transfer-encoding", "content-id"};
+    int f = -1;
+    for (int g = 0; g < kFieldCount; ++g)
+        if (static_cast<size_t>(n) == names[g].size())
+            f = g;
     if (f < 0)
         return -1;
     for (PB_INT i = 0; i < n; ++i)
@@ -92,21 +94,11 @@ private:
         if (seen_[field])
             return false;
         seen_[field] = true;
+        static void (*const setters[kFieldCount])(MIME_ENTITY **, PB_STRING *) = {
+            mimeEntitySetContentType, mimeEntitySetContentDisposition, mimeEntitySetContentTransferEncoding,
+            mimeEntitySetContentId};
         Ref<PB_STRING> value = adopt(joinedValue(colon + 1, end, folded));
-        switch (field) {
-        case kContentType:
-            mimeEntitySetContentType(ent, value.get());
-            break;
-        case kContentDisposition:
-            mimeEntitySetContentDisposition(ent, value.get());
-            break;
-        case kContentTransferEncoding:
-            mimeEntitySetContentTransferEncoding(ent, value.get());
-            break;
-        default:
-            mimeEntitySetContentId(ent, value.get());
-            break;
-        }
+        setters[field](ent, value.get());
         return true;
     }
 
