@@ -2,8 +2,8 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_small_vector.hpp>
-#include <pb/pb_charset.h>
 #include <pb/pb_ref.hpp>
+#include <pb/pb_utf8.hpp>
 
 #include <cstring>
 #include <string_view>
@@ -13,21 +13,38 @@ namespace {
 using pb::adopt;
 using pb::Ref;
 
-bool isLwsp(PB_CHAR c)
+bool isLwsp(PB_BYTE c)
 {
     return c == ' ' || c == '\t';
 }
 
-bool isTrimmed(PB_CHAR c)
+bool isTrimmed(PB_BYTE c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// True when b[0, n) is well-formed UTF-8, checked in pieces that end where a
+// sequence starts, so that the text is never copied whole.
+bool isUtf8(const PB_BYTE *b, PB_INT n)
+{
+    constexpr PB_INT kPiece = 1024;
+    PB_CHAR scratch[kPiece];
+    for (PB_INT i = 0; i < n;) {
+        PB_INT end = n - i <= kPiece ? n : i + kPiece;
+        while (end < n && end > i + kPiece - 4 && (b[end] & 0xC0) == 0x80)
+            --end; // not inside a sequence (a longer run of continuation bytes is ill-formed anyway)
+        if (pb::utf8::decode(b + i, static_cast<size_t>(end - i), scratch, true) < 0)
+            return false;
+        i = end;
+    }
+    return true;
 }
 
 // The field a header name sets, compared as the runtime lowers text (ASCII
 // letters only); -1 for any other name. The four names differ in length.
 enum Field { kContentType, kContentDisposition, kContentTransferEncoding, kContentId, kFieldCount };
 
-int fieldOf(const PB_CHAR *name, PB_INT n)
+int fieldOf(const PB_BYTE *name, PB_INT n)
 {
     static constexpr std::string_view names[kFieldCount] = {"content-type", "content-disposition",
                                                              "content-transfer-encoding", "content-id"};
@@ -37,16 +54,20 @@ int fieldOf(const PB_CHAR *name, PB_INT n)
             f = g;
     if (f < 0)
         return -1;
-    for (PB_INT i = 0; i < n; ++i)
-        if ((name[i] - 'A' < 26u ? name[i] + 32 : name[i]) != static_cast<PB_CHAR>(names[f][i]))
+    for (PB_INT i = 0; i < n; ++i) {
+        PB_BYTE c = name[i] >= 'A' && name[i] <= 'Z' ? static_cast<PB_BYTE>(name[i] + 32) : name[i];
+        if (c != static_cast<PB_BYTE>(names[f][i]))
             return -1;
+    }
     return f;
 }
 
-// The fields of a header block, read line by line into the entity.
+// The fields of a header block of well-formed UTF-8, read line by line into the
+// entity. Every character that the syntax looks at is ASCII, so the lines are
+// read as bytes and only the values become text.
 class HeaderBlock {
 public:
-    HeaderBlock(const PB_CHAR *text, PB_INT length) : c_(text), n_(length) {}
+    HeaderBlock(const PB_BYTE *bytes, PB_INT length) : c_(bytes), n_(length) {}
 
     bool readInto(MIME_ENTITY **ent)
     {
@@ -111,8 +132,8 @@ private:
         while (end > from && isTrimmed(c_[end - 1]))
             --end;
         if (!folded)
-            return pbStringCreateFromCharsCopy(c_ + from, end - from);
-        mime::SmallVector<PB_CHAR, 256> chars;
+            return text(c_ + from, end - from);
+        mime::SmallVector<PB_BYTE, 256> chars;
         PB_INT run = from;
         for (PB_INT i = from; i + 1 < end; ++i) {
             if (c_[i] != '\r' || c_[i + 1] != '\n')
@@ -121,12 +142,17 @@ private:
             run = ++i + 1;
         }
         if (run == from)
-            return pbStringCreateFromCharsCopy(c_ + from, end - from);
+            return text(c_ + from, end - from);
         chars.append(c_ + run, static_cast<size_t>(end - run));
-        return pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size()));
+        return text(chars.data(), static_cast<PB_INT>(chars.size()));
     }
 
-    const PB_CHAR *c_;
+    static PB_STRING *text(const PB_BYTE *utf8, PB_INT n)
+    {
+        return pbStringCreateFromCstr(reinterpret_cast<const char *>(utf8), n);
+    }
+
+    const PB_BYTE *c_;
     PB_INT n_;
     bool seen_[kFieldCount] = {};
 };
@@ -152,13 +178,8 @@ MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT len
         // No empty line: all header lines, the last one perhaps ended by CR LF.
         headerLength = length >= 2 && std::memcmp(b + length - 2, kCrLf, 2) == 0 ? length - 2 : length;
     }
-    if (headerLength > 0) {
-        Ref<PB_BUFFER> block = adopt(pbBufferRead(content, offset, headerLength));
-        Ref<PB_STRING> text = adopt(pbCharsetTryConvertBufferToStringWithFlags(PB_CHARSET_UTF_8, block.get(),
-                                                                               PB_CHARSET_FLAG_STRICT));
-        if (!text || !HeaderBlock(pbStringBacking(text.get()), pbStringLength(text.get())).readInto(ent.addr()))
-            return nullptr;
-    }
+    if (headerLength > 0 && (!isUtf8(b, headerLength) || !HeaderBlock(b, headerLength).readInto(ent.addr())))
+        return nullptr;
     if (bodyStart < length) {
         Ref<PB_BUFFER> body = adopt(pbBufferRead(content, offset + bodyStart, length - bodyStart));
         mimeEntitySetBody(ent.addr(), body.get());

@@ -235,6 +235,15 @@ TEST(EntityParse, HeaderBlocks)
     };
     for (const auto &[content, fields] : rows)
         EXPECT_EQ(parse(content), fields) << content;
+    // Long lines of multi-byte characters (checked in pieces, none cut), and one
+    // broken character far in.
+    for (const std::string ch : {"\xe2\x82\xac", "\xf0\x9d\x84\x9e", "\xc3\xa9"}) {
+        std::string value;
+        for (int i = 0; i < 1500; ++i)
+            value += ch;
+        EXPECT_EQ(parse("X: " + value + "\r\nContent-Id: " + value + "\r\n\r\n"), (Fields{{}, {}, {}, value, {}}));
+        EXPECT_FALSE(parse("X: " + value + ch.substr(1) + "\r\n\r\n"));
+    }
 }
 
 TEST(EntityParse, ManyContinuationLinesInLinearTime)
