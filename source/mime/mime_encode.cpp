@@ -2,6 +2,7 @@
 #include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_encode.h>
 #include <pb/pb_ref.hpp>
+#include <pb/pb_text.hpp>
 #include <rfc/rfc_base.h>
 #include <rfc/rfc_quop.h>
 
@@ -166,4 +167,33 @@ MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *c
     if (body)
         mimeEntitySetBody(ent.addr(), coded.bytes.get());
     return ent.release();
+}
+
+namespace {
+
+template <class CharT>
+MIME_ENTITY *encodeWithText(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                            MIME_CONTENT_DISPOSITION *contentDisposition, const CharT *optionalContentId, PB_INT length)
+{
+    if (!optionalContentId)
+        return mimeEncode(opt, body, contentType, contentDisposition, nullptr);
+    return pb::withText(optionalContentId, length, [&](PB_STRING *id) {
+        return mimeEncode(opt, body, contentType, contentDisposition, id);
+    });
+}
+
+} // namespace
+
+MIME_ENTITY *mimeEncodeCstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                            MIME_CONTENT_DISPOSITION *contentDisposition, const char *optionalContentId,
+                            PB_INT length) noexcept
+{
+    return encodeWithText(opt, body, contentType, contentDisposition, optionalContentId, length);
+}
+
+MIME_ENTITY *mimeEncodeWcstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                             MIME_CONTENT_DISPOSITION *contentDisposition, const wchar_t *optionalContentId,
+                             PB_INT length) noexcept
+{
+    return encodeWithText(opt, body, contentType, contentDisposition, optionalContentId, length);
 }

@@ -31,6 +31,13 @@ PB_BEGIN_DECLS
 MIME_API MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                                  MIME_CONTENT_DISPOSITION *contentDisposition,
                                  PB_STRING *optionalContentId) PB_NOEXCEPT;
+/* The same with the Content-Id as a C string (null: none). */
+MIME_API MIME_ENTITY *mimeEncodeCstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                                     MIME_CONTENT_DISPOSITION *contentDisposition, const char *optionalContentId,
+                                     PB_INT length) PB_NOEXCEPT;
+MIME_API MIME_ENTITY *mimeEncodeWcstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                                      MIME_CONTENT_DISPOSITION *contentDisposition, const wchar_t *optionalContentId,
+                                      PB_INT length) PB_NOEXCEPT;
 
 PB_END_DECLS
 

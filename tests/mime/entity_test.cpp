@@ -229,6 +229,8 @@ TEST(Entity, TextVariants)
     EXPECT_TRUE(mimeMultipartBoundaryOkCstr("a b", -1));
     EXPECT_FALSE(mimeMultipartBoundaryOkWcstr(L"a ", -1));
     EXPECT_EQ(take(mimeContentIdTryDecodeCstr(" <x@y> ", -1)), "x@y");
-    EXPECT_EQ(mimeContentTransferEncodingTryDecodeWcstr(L"Base64", -1, adopt(mimeOptionsCreate()).get()),
-              MIME_CONTENT_TRANSFER_ENCODING_BASE64);
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    EXPECT_EQ(mimeContentTransferEncodingTryDecodeWcstr(L"Base64", -1, mo.get()), MIME_CONTENT_TRANSFER_ENCODING_BASE64);
+    EXPECT_EQ(fieldsOf(adopt(mimeEncodeWcstr(mo.get(), nullptr, nullptr, nullptr, L"p1", -1)).get()).contentId, "<p1>");
+    EXPECT_EQ(fieldsOf(adopt(mimeEncodeCstr(mo.get(), nullptr, nullptr, nullptr, nullptr, 0)).get()), Fields{});
 }
