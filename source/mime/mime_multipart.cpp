@@ -8,6 +8,7 @@
 #include <pb/pb_utf8.hpp>
 
 #include <cstring>
+#include <string_view>
 #include <vector>
 
 using pb::adopt;
@@ -123,7 +124,7 @@ public:
                 continue;
             const PB_CHAR *c = pbStringBacking(values_[f].get());
             PB_INT n = pbStringLength(values_[f].get());
-            size += static_cast<PB_INT>(std::strlen(kNames[f])) + 2 + n;
+            size += static_cast<PB_INT>(kNames[f].size()) + 2 + n;
             for (PB_INT i = 0; i < n; ++i) {
                 if (c[i] < 0x80)
                     continue;
@@ -140,7 +141,7 @@ public:
         for (int f = 0; f < 4; ++f) {
             if (!values_[f])
                 continue;
-            out = put(out, kNames[f], std::strlen(kNames[f]));
+            out = put(out, kNames[f].data(), kNames[f].size());
             const PB_CHAR *c = pbStringBacking(values_[f].get());
             for (PB_INT i = 0, n = pbStringLength(values_[f].get()); i < n; ++i) {
                 if (c[i] < 0x80)
@@ -163,8 +164,8 @@ public:
     }
 
 private:
-    static constexpr const char *kNames[4] = {"Content-Type: ", "Content-Disposition: ", "Content-Transfer-Encoding: ",
-                                              "Content-Id: "};
+    static constexpr std::string_view kNames[4] = {"Content-Type: ", "Content-Disposition: ",
+                                                    "Content-Transfer-Encoding: ", "Content-Id: "};
     Ref<PB_STRING> values_[4];
     Ref<PB_BUFFER> body_;
 };

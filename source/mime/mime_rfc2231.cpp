@@ -90,19 +90,21 @@ bool mime___Rfc2231DecodeValue(Span value, Bytes &bytes)
     return true;
 }
 
+// The text of bytes in charset, as a new string. Empties bytes.
+PB_STRING *converted(Bytes &bytes, PB_CHARSET charset)
+{
+    Ref<PB_BUFFER> buffer = adopt(pbBufferCreateFromBytesCopy(bytes.data(), static_cast<PB_INT>(bytes.size())));
+    bytes.clear();
+    return pbCharsetConvertBufferToString(charset, buffer.get());
+}
+
 // The text of bytes in charset, appended to *joined; false when the length
 // would overflow. Empties bytes.
 bool appendConverted(PB_STRING **joined, Bytes &bytes, PB_CHARSET charset)
 {
     if (bytes.size() == 0)
         return true;
-    Ref<PB_BUFFER> buffer = adopt(pbBufferCreateFromBytesCopy(bytes.data(), static_cast<PB_INT>(bytes.size())));
-    bytes.clear();
-    Ref<PB_STRING> text = adopt(pbCharsetConvertBufferToString(charset, buffer.get()));
-    if (!*joined) {
-        *joined = text.release();
-        return true;
-    }
+    Ref<PB_STRING> text = adopt(converted(bytes, charset));
     if (!PB_INT_ADD_OK(pbStringLength(*joined), pbStringLength(text.get())))
         return false;
     pbStringAppend(joined, text.get());
@@ -270,9 +272,7 @@ PB_STRING *decodeExtended(Span value)
     Bytes bytes;
     if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(value, bytes))
         return nullptr;
-    PB_STRING *text = nullptr;
-    appendConverted(&text, bytes, charset);
-    return text ? text : pbStringCreate();
+    return converted(bytes, charset);
 }
 
 // The text form of an object handed out as a new reference.
