@@ -1,4 +1,5 @@
-/* The MIME library: header-field values, entities and multipart bodies over the
+/** @file
+ * The MIME library: header-field values, entities and multipart bodies over the
  * base runtime. Start it through mimeModule() before any other call. */
 #ifndef MIME_H
 #define MIME_H

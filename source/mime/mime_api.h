@@ -1,4 +1,6 @@
-/* Export macro of the mime library's public headers. */
+/** @file
+ * Export macro of the mime library's public headers.
+ */
 #ifndef MIME_API_H
 #define MIME_API_H
 

@@ -1,4 +1,5 @@
-/* Character classes of header-field text (RFC 822, RFC 2045, RFC 2046). Each
+/** @file
+ * Character classes of header-field text (RFC 822, RFC 2045, RFC 2046). Each
  * test takes one code point; code points above U+007F belong to none of the
  * classes. Library-internal (prefix mime___), exported for the library's other
  * files and its tests. */
@@ -19,11 +20,11 @@ MIME_API PB_BOOL mime___CharIsSpace(PB_CHAR c) PB_NOEXCEPT;          /* U+0020 *
 MIME_API PB_BOOL mime___CharIsLwsp(PB_CHAR c) PB_NOEXCEPT;           /* space and tab */
 MIME_API PB_BOOL mime___CharIsQuotationMark(PB_CHAR c) PB_NOEXCEPT;  /* U+0022 */
 MIME_API PB_BOOL mime___CharIsCtl(PB_CHAR c) PB_NOEXCEPT;            /* U+0000-U+001F, U+007F */
-/* The fifteen tspecials of RFC 2045: ( ) < > @ , ; : \ " / [ ] ? = */
+/** The fifteen tspecials of RFC 2045: ( ) < > @ , ; : \ " / [ ] ? = */
 MIME_API PB_BOOL mime___CharIsTspecial(PB_CHAR c) PB_NOEXCEPT;
-/* RFC 2046 bcharsnospace: digits, letters and ' ( ) + _ , - . / : = ? */
+/** RFC 2046 bcharsnospace: digits, letters and ' ( ) + _ , - . / : = ? */
 MIME_API PB_BOOL mime___CharIsBcharsNospace(PB_CHAR c) PB_NOEXCEPT;
-/* RFC 2046 bchars: bcharsnospace and space. */
+/** RFC 2046 bchars: bcharsnospace and space. */
 MIME_API PB_BOOL mime___CharIsBchars(PB_CHAR c) PB_NOEXCEPT;
 
 PB_END_DECLS

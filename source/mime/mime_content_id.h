@@ -1,4 +1,5 @@
-/* Content-ID values (RFC 2045): an identifier kept without its angle brackets.
+/** @file
+ * Content-ID values (RFC 2045): an identifier kept without its angle brackets.
  * A value is valid when it is not empty and holds no control character
  * (U+0000-U+001F, U+007F); spaces, brackets and all other characters are allowed. */
 #ifndef MIME_CONTENT_ID_H
@@ -9,16 +10,17 @@
 
 PB_BEGIN_DECLS
 
+/** Whether cid (without angle brackets) is a valid Content-Id (see above). */
 MIME_API PB_BOOL mimeContentIdOk(PB_STRING *cid) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeContentIdOkCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeContentIdOkWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
-/* A new unique value: the texts of two new runtime identifiers joined by "@". */
+/** A new unique value: the texts of two new runtime identifiers joined by "@". */
 MIME_API PB_STRING *mimeContentIdGenerate(void) PB_NOEXCEPT;
-/* "<cid>"; cid must be valid. No folding. */
+/** "<cid>"; cid must be valid. No folding. */
 MIME_API PB_STRING *mimeContentIdEncode(PB_STRING *cid) PB_NOEXCEPT;
 MIME_API PB_STRING *mimeContentIdEncodeCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API PB_STRING *mimeContentIdEncodeWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
-/* The value between "<" and ">" of a header value (spaces and tabs around it
+/** The value between "<" and ">" of a header value (spaces and tabs around it
  * are skipped), or null when the brackets are missing or the value is not valid.
  * Nothing is unfolded: a line break inside gives null. */
 MIME_API PB_STRING *mimeContentIdTryDecode(PB_STRING *raw) PB_NOEXCEPT;

@@ -1,4 +1,5 @@
-/* Content-Transfer-Encoding: the five names, their header-field codec, and the
+/** @file
+ * Content-Transfer-Encoding: the five names, their header-field codec, and the
  * check whether a body may travel under an encoding unchanged. */
 #ifndef MIME_CONTENT_TRANSFER_ENCODING_H
 #define MIME_CONTENT_TRANSFER_ENCODING_H
@@ -21,19 +22,19 @@ typedef PB_INT MIME_CONTENT_TRANSFER_ENCODING;
 #define MIME_CONTENT_TRANSFER_ENCODING_BASE64 ((MIME_CONTENT_TRANSFER_ENCODING)4)           /* "base64" */
 #define MIME_CONTENT_TRANSFER_ENCODING_OK(cte) ((uint64_t)(cte) <= 4u)
 
-/* The wire name (new string); cte must be valid. */
+/** The wire name (new string); cte must be valid. */
 MIME_API PB_STRING *mimeContentTransferEncodingToString(MIME_CONTENT_TRANSFER_ENCODING cte) PB_NOEXCEPT;
-/* The encoding a header value names: exactly one token or quoted string besides
+/** The encoding a header value names: exactly one token or quoted string besides
  * comments, one of the five names in any letter case. -1 otherwise. */
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecode(PB_STRING *cte,
                                                                              MIME_OPTIONS *mo) PB_NOEXCEPT;
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeCstr(const char *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeWcstr(const wchar_t *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
-/* The wire name as a header value, folded when firstLineOffset is already past
+/** The wire name as a header value, folded when firstLineOffset is already past
  * the options' wrap line length. */
 MIME_API PB_STRING *mimeContentTransferEncodingEncode(MIME_CONTENT_TRANSFER_ENCODING cte, MIME_OPTIONS *mo,
                                                       PB_INT firstLineOffset) PB_NOEXCEPT;
-/* True when buf may travel under cte unchanged. Binary, quoted-printable and
+/** True when buf may travel under cte unchanged. Binary, quoted-printable and
  * base64 take any whole bytes. 7bit and 8bit take an empty buffer, or complete
  * lines each ended by CR LF, of at most 998 bytes before it, without zero bytes,
  * bare CR or bare LF; 7bit also refuses bytes of 128 and more. A buffer ending

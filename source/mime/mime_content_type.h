@@ -1,4 +1,5 @@
-/* MIME_CONTENT_TYPE: the value of a Content-Type header field, a media type name
+/** @file
+ * MIME_CONTENT_TYPE: the value of a Content-Type header field, a media type name
  * (type "/" subtype) in lower case and parameters under lower-case keys (see
  * mime_parameterized.h for the operations it shares with Content-Disposition).
  *
@@ -22,7 +23,7 @@ typedef struct MIME_CONTENT_TYPE MIME_CONTENT_TYPE;
 
 MIME___PARAMETERIZED_DECL(ContentType, MIME_CONTENT_TYPE, Name)
 
-/* The Content-Type a header value holds, or null. The value must start with a
+/** The Content-Type a header value holds, or null. The value must start with a
  * media type (word "/" word, each a token or quoted string, accepted by the name
  * rule); comments anywhere are ignored. Parameters follow as "; key = value"
  * and are read leniently: a key without a value gets the empty value, a key that
@@ -32,7 +33,7 @@ MIME___PARAMETERIZED_DECL(ContentType, MIME_CONTENT_TYPE, Name)
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) PB_NOEXCEPT;
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeCstr(const char *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWcstr(const wchar_t *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
-/* The header value of contentType: the registered spelling of the name, then
+/** The header value of contentType: the registered spelling of the name, then
  * ";key=value" for each parameter in key order (values as tokens or quoted
  * strings), folded by the options' wrap line length; firstLineOffset is the
  * length of what precedes the value on its line (14 for "Content-Type: ").

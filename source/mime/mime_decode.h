@@ -1,4 +1,5 @@
-/* Decoding one entity: its header values into value objects, its body out of
+/** @file
+ * Decoding one entity: its header values into value objects, its body out of
  * its transfer encoding. */
 #ifndef MIME_DECODE_H
 #define MIME_DECODE_H
@@ -12,7 +13,7 @@
 
 PB_BEGIN_DECLS
 
-/* Decodes entity with the header codecs and the options' codec settings; 1 on
+/** Decodes entity with the header codecs and the options' codec settings; 1 on
  * success, 0 when a header value or a base64 or quoted-printable body is
  * invalid. All or nothing: each given result variable is cleared first (its old
  * object released) and receives a new reference only on success, null for an

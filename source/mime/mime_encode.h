@@ -1,4 +1,5 @@
-/* Encoding one entity: a body and value objects into wire form, with the body's
+/** @file
+ * Encoding one entity: a body and value objects into wire form, with the body's
  * transfer encoding chosen and applied. */
 #ifndef MIME_ENCODE_H
 #define MIME_ENCODE_H
@@ -12,7 +13,7 @@
 
 PB_BEGIN_DECLS
 
-/* A new entity (never null) with each given value written as folded header text
+/** A new entity (never null) with each given value written as folded header text
  * (Content-Type after 14 characters of line, Content-Disposition after 21), the
  * Content-Id between angle brackets (it must pass mimeContentIdOk), and, when a
  * body is given, the body with its transfer encoding, chosen by the first row
@@ -31,7 +32,7 @@ PB_BEGIN_DECLS
 MIME_API MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                                  MIME_CONTENT_DISPOSITION *contentDisposition,
                                  PB_STRING *optionalContentId) PB_NOEXCEPT;
-/* The same with the Content-Id as a C string (null: none). */
+/** The same with the Content-Id as a C string (null: none). */
 MIME_API MIME_ENTITY *mimeEncodeCstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                                      MIME_CONTENT_DISPOSITION *contentDisposition, const char *optionalContentId,
                                      PB_INT length) PB_NOEXCEPT;

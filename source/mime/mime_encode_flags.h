@@ -1,4 +1,5 @@
-/* Encode flags: the two unencoded body forms, for callers that record which one
+/** @file
+ * Encode flags: the two unencoded body forms, for callers that record which one
  * they want. The library offers the same conversions as for the MIME flags but
  * consults encode flags in none of its own operations. */
 #ifndef MIME_ENCODE_FLAGS_H
@@ -17,16 +18,17 @@ typedef uint64_t MIME_ENCODE_FLAGS;
 #define MIME_ENCODE_FLAG_7BIT ((MIME_ENCODE_FLAGS)1)
 #define MIME_ENCODE_FLAG_8BIT ((MIME_ENCODE_FLAGS)2)
 
-/* Returns flags with unknown bits cleared and MIME_ENCODE_FLAG_8BIT cleared when
+/** Returns flags with unknown bits cleared and MIME_ENCODE_FLAG_8BIT cleared when
  * MIME_ENCODE_FLAG_7BIT is set (7bit takes precedence). */
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsNormalize(MIME_ENCODE_FLAGS flags) PB_NOEXCEPT;
 
-/* As mimeFlagsFromString and mimeFlagsToString, for encode flags. */
+/** As mimeFlagsFromString and mimeFlagsToString, for encode flags. */
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsFromString(PB_STRING *pbs) PB_NOEXCEPT;
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsFromStringCstr(const char *pbs, PB_INT length) PB_NOEXCEPT;
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsFromStringWcstr(const wchar_t *pbs, PB_INT length) PB_NOEXCEPT;
 MIME_API PB_STRING *mimeEncodeFlagsToString(MIME_ENCODE_FLAGS flags) PB_NOEXCEPT;
 
+/** Library-internal: module start-up and shut-down build and release the flag table. */
 MIME_API void mime___EncodeFlagsStartup(void) PB_NOEXCEPT;
 MIME_API void mime___EncodeFlagsShutdown(void) PB_NOEXCEPT;
 

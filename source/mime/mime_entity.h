@@ -1,4 +1,5 @@
-/* MIME_ENTITY: one MIME entity in wire form, the currency between entity
+/** @file
+ * MIME_ENTITY: one MIME entity in wire form, the currency between entity
  * decoding and encoding and multipart packing and unpacking.
  *
  * Five optional fields, each absent (null) or holding one reference:
@@ -31,11 +32,14 @@ typedef struct MIME_ENTITY MIME_ENTITY;
 
 PB_SORT_STDFUNCS_DECL(MIME_API, mime, Entity, MIME_ENTITY)
 
-/* A new entity with every field absent. */
+/** A new entity with every field absent. */
 MIME_API MIME_ENTITY *mimeEntityCreate(void) PB_NOEXCEPT;
-/* A new entity holding the same five objects as source. */
+/** A new entity holding the same five objects as source. */
 MIME_API MIME_ENTITY *mimeEntityCreateFrom(MIME_ENTITY *source) PB_NOEXCEPT;
 
+/** The Content-Type value: a new reference, or null when absent; whether it is
+ * present; set it (the value must not be null; the entity takes its own
+ * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentType(MIME_ENTITY **ent, PB_STRING *contentType) PB_NOEXCEPT;
@@ -43,6 +47,9 @@ MIME_API void mimeEntitySetContentTypeCstr(MIME_ENTITY **ent, const char *text, 
 MIME_API void mimeEntitySetContentTypeWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentType(MIME_ENTITY **ent) PB_NOEXCEPT;
 
+/** The Content-Disposition value: a new reference, or null when absent; whether it is
+ * present; set it (the value must not be null; the entity takes its own
+ * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentDisposition(MIME_ENTITY **ent, PB_STRING *contentDisposition) PB_NOEXCEPT;
@@ -50,6 +57,9 @@ MIME_API void mimeEntitySetContentDispositionCstr(MIME_ENTITY **ent, const char 
 MIME_API void mimeEntitySetContentDispositionWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentDisposition(MIME_ENTITY **ent) PB_NOEXCEPT;
 
+/** The Content-Transfer-Encoding value: a new reference, or null when absent; whether it is
+ * present; set it (the value must not be null; the entity takes its own
+ * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentTransferEncoding(MIME_ENTITY **ent, PB_STRING *contentTransferEncoding) PB_NOEXCEPT;
@@ -57,6 +67,9 @@ MIME_API void mimeEntitySetContentTransferEncodingCstr(MIME_ENTITY **ent, const 
 MIME_API void mimeEntitySetContentTransferEncodingWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentTransferEncoding(MIME_ENTITY **ent) PB_NOEXCEPT;
 
+/** The Content-Id value: a new reference, or null when absent; whether it is
+ * present; set it (the value must not be null; the entity takes its own
+ * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentId(MIME_ENTITY **ent, PB_STRING *contentId) PB_NOEXCEPT;
@@ -64,6 +77,9 @@ MIME_API void mimeEntitySetContentIdCstr(MIME_ENTITY **ent, const char *text, PB
 MIME_API void mimeEntitySetContentIdWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentId(MIME_ENTITY **ent) PB_NOEXCEPT;
 
+/** The body bytes, still transfer-encoded: a new reference, or null when absent;
+ * whether it is present; set it (not null; the buffer is shared, not copied);
+ * delete it. */
 MIME_API PB_BUFFER *mimeEntityBody(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeEntityHasBody(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetBody(MIME_ENTITY **ent, PB_BUFFER *body) PB_NOEXCEPT;

@@ -1,4 +1,5 @@
-/* Reading one entity from its bytes, as a multipart body part, a SIP message
+/** @file
+ * Reading one entity from its bytes, as a multipart body part, a SIP message
  * body with its Content-* header lines, or a mail message carries it: a header
  * block, an empty line, a body. Multipart unpacking reads each part with the
  * same rules, so a program can read a whole message from a file the way the
@@ -34,11 +35,11 @@
 
 PB_BEGIN_DECLS
 
-/* A new entity read from the whole of content, or null; opt is required and
+/** A new entity read from the whole of content, or null; opt is required and
  * steers nothing yet. */
 MIME_API MIME_ENTITY *mimeEntityTryParse(PB_BUFFER *content, MIME_OPTIONS *opt) PB_NOEXCEPT;
 
-/* Library-internal: the same over the length bytes of content from offset. */
+/** Library-internal: the same over the length bytes of content from offset. */
 MIME_API MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT length) PB_NOEXCEPT;
 
 PB_END_DECLS

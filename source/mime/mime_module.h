@@ -1,4 +1,5 @@
-/* The module frame: the entry point through which the product's loader starts
+/** @file
+ * The module frame: the entry point through which the product's loader starts
  * and stops the library, and the module's record and version text. */
 #ifndef MIME_MODULE_H
 #define MIME_MODULE_H
@@ -8,13 +9,13 @@
 
 PB_BEGIN_DECLS
 
-/* Returns the module object (static data; no reference is taken or given). The
+/** Returns the module object (static data; no reference is taken or given). The
  * loader runs its start-up routine once before any other call into the library
  * (pbModuleStartup) and its shut-down routine once after the last
  * (pbModuleShutdown). Start-up builds the library's read-only tables. */
 MIME_API const PB_MODULE *mimeModule(void) PB_NOEXCEPT;
 
-/* The module object, its record and its version text, as the loader reads them. */
+/** The module object, its record and its version text, as the loader reads them. */
 MIME_API extern const PB_MODULE mime___module;
 MIME_API extern const PB_MODULE_RECORD mime___module_record;
 MIME_API extern const char *const mime___module_version_string;

@@ -1,4 +1,5 @@
-/* Multipart bodies (RFC 2046): boundaries, packing several entities into one
+/** @file
+ * Multipart bodies (RFC 2046): boundaries, packing several entities into one
  * body, and unpacking a body into its parts.
  *
  * A boundary is 1 to 70 characters of RFC 2046's bchars (digits, ASCII letters,
@@ -31,13 +32,14 @@
 
 PB_BEGIN_DECLS
 
+/** Whether pbs is a valid boundary (see above). */
 MIME_API PB_BOOL mimeMultipartBoundaryOk(PB_STRING *pbs) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeMultipartBoundaryOkCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API PB_BOOL mimeMultipartBoundaryOkWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
-/* A new random boundary of 10 letters and digits. */
+/** A new random boundary of 10 letters and digits. */
 MIME_API PB_STRING *mimeMultipartBoundaryGenerate(void) PB_NOEXCEPT;
 
-/* A new buffer with entities (a non-empty vector of MIME_ENTITY) packed into one
+/** A new buffer with entities (a non-empty vector of MIME_ENTITY) packed into one
  * multipart body, whose boundary is then set as the "boundary" parameter of
  * *contentType (a private copy when it is shared). The boundary already there is
  * kept when it is valid and no body holds its delimiter; otherwise random ones
@@ -48,7 +50,7 @@ MIME_API PB_STRING *mimeMultipartBoundaryGenerate(void) PB_NOEXCEPT;
 MIME_API PB_BUFFER *mimeMultipartTryPack(MIME_CONTENT_TYPE **contentType, PB_VECTOR *entities,
                                          MIME_OPTIONS *opt) PB_NOEXCEPT;
 
-/* A new vector of MIME_ENTITY, one per part of content, whose boundary is the
+/** A new vector of MIME_ENTITY, one per part of content, whose boundary is the
  * "boundary" parameter of contentType; null when that parameter is missing or
  * invalid, when content holds no delimiter, when a delimiter line holds more than
  * padding, when the close delimiter is missing, or when a part cannot be read.

@@ -1,4 +1,5 @@
-/* The operations that Content-Type and Content-Disposition values share: a
+/** @file
+ * The operations that Content-Type and Content-Disposition values share: a
  * label (the media type name, or the disposition type) kept in lower case, and
  * parameters kept in a dictionary under lower-case keys (RFC 2045 tokens) with
  * their values exactly as given. Each header declares its operations with

@@ -1,4 +1,5 @@
-/* RFC 2231 parameter values: continuations ("title*0", "title*1", ...) and
+/** @file
+ * RFC 2231 parameter values: continuations ("title*0", "title*1", ...) and
  * extended values ("title*" = charset'language'percent-encoded bytes).
  * Library-internal (prefix mime___), used by the Content-Type and
  * Content-Disposition codecs, exported for tests.
@@ -27,9 +28,9 @@
 
 PB_BEGIN_DECLS
 
-/* A new dictionary of the parameters of source with RFC 2231 forms decoded; never null. */
+/** A new dictionary of the parameters of source with RFC 2231 forms decoded; never null. */
 MIME_API PB_DICT *mime___Rfc2231Decode(PB_DICT *source, MIME_OPTIONS *mo) PB_NOEXCEPT;
-/* A new dictionary of the parameters of source in RFC 2231 form where needed; never null. */
+/** A new dictionary of the parameters of source in RFC 2231 form where needed; never null. */
 MIME_API PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) PB_NOEXCEPT;
 
 PB_END_DECLS

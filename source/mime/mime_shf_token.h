@@ -1,4 +1,5 @@
-/* Tokens of structured header fields (RFC 822 / RFC 2045 lexical level): single
+/** @file
+ * Tokens of structured header fields (RFC 822 / RFC 2045 lexical level): single
  * special characters, quoted strings, domain literals, comments and plain
  * tokens. A token keeps its raw value, the text exactly as on the wire with its
  * delimiters and backslash escapes, and never changes after creation.
@@ -27,29 +28,30 @@ typedef struct MIME_SHF_TOKEN MIME_SHF_TOKEN;
 
 PB_SORT_STDFUNCS_DECL(MIME_API, mime, ShfToken, MIME_SHF_TOKEN)
 
-/* A single tspecial character; anything else aborts. */
+/** A single tspecial character; anything else aborts. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTspecial(PB_CHAR tspecial) PB_NOEXCEPT;
-/* A token (type 4) when the value is not empty and holds no control character,
+/** A token (type 4) when the value is not empty and holds no control character,
  * space or tspecial; otherwise a quoted string (type 1) in which CR, quotation
  * mark and backslash get a backslash before them. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedString(PB_STRING *tokenOrQuotedString) PB_NOEXCEPT;
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
-/* A comment; CR, LF and every tspecial of the value get a backslash before them. */
+/** A comment; CR, LF and every tspecial of the value get a backslash before them. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) PB_NOEXCEPT;
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateCommentCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateCommentWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
-/* A token of the type that the wire text has: a single tspecial, a well-formed
+/** A token of the type that the wire text has: a single tspecial, a well-formed
  * quoted string, domain literal or comment, or a plain token, in this order of
  * trial. The token keeps rawValue itself. Text of none of these forms aborts. */
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateRawValue(PB_STRING *rawValue) PB_NOEXCEPT;
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateRawValueCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API MIME_SHF_TOKEN *mimeShfTokenCreateRawValueWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
+/** The token's type, MIME_SHF_TOKEN_TYPE_TSPECIAL (0) to MIME_SHF_TOKEN_TYPE_TOKEN (4). */
 MIME_API MIME_SHF_TOKEN_TYPE mimeShfTokenType(MIME_SHF_TOKEN *tok) PB_NOEXCEPT;
-/* The text as on the wire (new reference). */
+/** The text as on the wire (new reference). */
 MIME_API PB_STRING *mimeShfTokenRawValue(MIME_SHF_TOKEN *tok) PB_NOEXCEPT;
-/* The plain value (new reference): for delimited types the inner text with each
+/** The plain value (new reference): for delimited types the inner text with each
  * backslash dropped and the character after it kept; folds stay as they are. */
 MIME_API PB_STRING *mimeShfTokenValue(MIME_SHF_TOKEN *tok) PB_NOEXCEPT;
 

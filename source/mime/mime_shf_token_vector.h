@@ -1,4 +1,5 @@
-/* Token vectors: structured header-field values split into MIME_SHF_TOKEN
+/** @file
+ * Token vectors: structured header-field values split into MIME_SHF_TOKEN
  * objects (a pbVector of them, in wire order), and written back as folded text. */
 #ifndef MIME_SHF_TOKEN_VECTOR_H
 #define MIME_SHF_TOKEN_VECTOR_H
@@ -11,7 +12,7 @@
 
 PB_BEGIN_DECLS
 
-/* Splits a header-field value into tokens: quoted strings, domain literals,
+/** Splits a header-field value into tokens: quoted strings, domain literals,
  * comments (nested), single tspecials and plain tokens, each keeping its exact
  * text. Spaces, tabs, line breaks and other control characters between pieces
  * are skipped. Returns a new vector (empty for a value of only white space), or
@@ -22,11 +23,11 @@ MIME_API PB_VECTOR *mimeShfTokenVectorTryDecode(PB_STRING *value) PB_NOEXCEPT;
 MIME_API PB_VECTOR *mimeShfTokenVectorTryDecodeCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 MIME_API PB_VECTOR *mimeShfTokenVectorTryDecodeWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
-/* Removes the comments from *vec, keeping the other tokens in their order; other
+/** Removes the comments from *vec, keeping the other tokens in their order; other
  * holders of a shared vector keep theirs. Linear in the length of the vector. */
 MIME_API void mimeShfTokenVectorDelComments(PB_VECTOR **vec) PB_NOEXCEPT;
 
-/* Writes the tokens' raw values joined by single spaces, except that a word
+/** Writes the tokens' raw values joined by single spaces, except that a word
  * (token or quoted string), a joining separator (@ , ; : \ " / ? =) and a word
  * follow each other without spaces. With a wrap line length other than -1, a
  * piece is put on a new line (CR LF and one space before it, instead of the

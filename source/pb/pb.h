@@ -1,4 +1,5 @@
-/* The base object runtime: objects and reference counts, abort, strings, buffers,
+/** @file
+ * The base object runtime: objects and reference counts, abort, strings, buffers,
  * dictionaries, vectors, stores, character sets, flag sets, identifiers, random
  * numbers and the module loader's part. */
 #ifndef PB_H

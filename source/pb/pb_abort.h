@@ -1,6 +1,9 @@
-/* The one report of a programming error: a line on standard error, then abort().
+/** @file
+ * The one report of a programming error: a line on standard error, then abort().
  *
- *   <message, or "assertion failed">: <file>:<line>: <condition, or empty>
+ *   MESSAGE: FILE:LINE: CONDITION
+ *
+ * with "assertion failed" for a missing MESSAGE and nothing for a missing CONDITION.
  *
  * PB_ASSERT stringifies its argument where it is written, so the condition
  * text is the source expression exactly as the caller wrote it. */
@@ -12,14 +15,14 @@
 
 PB_BEGIN_DECLS
 
-/* Writes the line described above and calls abort(); never returns.
+/** Writes the line described above and calls abort(); never returns.
  * message and condition may be null. */
 PB_API PB_NORETURN void pb___Abort(const char *message, const char *file, PB_INT line,
                                    const char *condition) PB_NOEXCEPT;
 
 PB_END_DECLS
 
-/* Always on, whatever NDEBUG says. */
+/** Always on, whatever NDEBUG says. */
 #define PB_ASSERT(expr) (PB_LIKELY(expr) ? (void)0 : pb___Abort(NULL, __FILE__, __LINE__, #expr))
 #define PB_ASSERT_MSG(message, expr) \
     (PB_LIKELY(expr) ? (void)0 : pb___Abort(message, __FILE__, __LINE__, #expr))

@@ -1,4 +1,5 @@
-/* Export and language-linkage macros shared by every public header of the
+/** @file
+ * Export and language-linkage macros shared by every public header of the
  * runtime. Public headers are plain C11 and also compile as C++. */
 #ifndef PB_API_H
 #define PB_API_H

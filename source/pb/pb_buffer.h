@@ -1,4 +1,5 @@
-/* Byte buffers with a length in bits.
+/** @file
+ * Byte buffers with a length in bits.
  *
  * A buffer is a value (copy before change, like strings). Its bits are kept in
  * bytes, most significant bit first; a buffer whose bit length is not a multiple
@@ -19,44 +20,44 @@ typedef struct PB_BUFFER PB_BUFFER;
 
 PB_SORT_STDFUNCS_DECL(PB_API, pb, Buffer, PB_BUFFER)
 
-/* The largest length of a buffer in bytes (its length in bits fits a PB_INT). */
+/** The largest length of a buffer in bytes (its length in bits fits a PB_INT). */
 #define PB_BUFFER_MAX_LENGTH (PB_INT_MAX / 8)
 
-/* Returns a new empty buffer. */
+/** Returns a new empty buffer. */
 PB_API PB_BUFFER *pbBufferCreate(void) PB_NOEXCEPT;
-/* Returns a new buffer holding a copy of length bytes. */
+/** Returns a new buffer holding a copy of length bytes. */
 PB_API PB_BUFFER *pbBufferCreateFromBytesCopy(const void *bytes, PB_INT length) PB_NOEXCEPT;
 
-/* Length in whole bytes (an incomplete last byte is not counted). */
+/** Length in whole bytes (an incomplete last byte is not counted). */
 PB_API PB_INT pbBufferLength(PB_BUFFER *buf) PB_NOEXCEPT;
-/* Length in bits. */
+/** Length in bits. */
 PB_API PB_INT pbBufferBitLength(PB_BUFFER *buf) PB_NOEXCEPT;
-/* The bytes, read only, incomplete last byte included; valid while the buffer is
+/** The bytes, read only, incomplete last byte included; valid while the buffer is
  * held and unchanged. Never null, also for an empty buffer. */
 PB_API const PB_BYTE *pbBufferBacking(PB_BUFFER *buf) PB_NOEXCEPT;
 
-/* Append to *buf: another buffer's bits, one byte, length bytes, or bitCount bits
+/** Append to *buf: another buffer's bits, one byte, length bytes, or bitCount bits
  * (bits read most significant first from bits[0]). */
 PB_API void pbBufferAppend(PB_BUFFER **buf, PB_BUFFER *other) PB_NOEXCEPT;
 PB_API void pbBufferAppendByte(PB_BUFFER **buf, PB_BYTE byte) PB_NOEXCEPT;
 PB_API void pbBufferAppendBytes(PB_BUFFER **buf, const void *bytes, PB_INT length) PB_NOEXCEPT;
 PB_API void pbBufferAppendBits(PB_BUFFER **buf, const void *bits, PB_INT bitCount) PB_NOEXCEPT;
 
-/* Makes *buf length bytes longer and returns where those bytes go, for the caller
+/** Makes *buf length bytes longer and returns where those bytes go, for the caller
  * to fill (their content is undefined until then). *buf must hold whole bytes.
  * The pointer is valid until the next change of *buf. */
 PB_API PB_BYTE *pbBufferAppendSpace(PB_BUFFER **buf, PB_INT length) PB_NOEXCEPT;
 
-/* Removes count bytes at the end; *buf must hold whole bytes. */
+/** Removes count bytes at the end; *buf must hold whole bytes. */
 PB_API void pbBufferDelTrailing(PB_BUFFER **buf, PB_INT count) PB_NOEXCEPT;
 
-/* Removes all bits. */
+/** Removes all bits. */
 PB_API void pbBufferClear(PB_BUFFER **buf) PB_NOEXCEPT;
 
-/* How many more bytes may still be appended: PB_BUFFER_MAX_LENGTH less the length. */
+/** How many more bytes may still be appended: PB_BUFFER_MAX_LENGTH less the length. */
 PB_API PB_INT pbBufferSpace(PB_BUFFER *buf) PB_NOEXCEPT;
 
-/* Returns a new buffer of count bytes from byte offset, sharing buf's storage.
+/** Returns a new buffer of count bytes from byte offset, sharing buf's storage.
  * offset and count must lie within the whole bytes of buf. */
 PB_API PB_BUFFER *pbBufferRead(PB_BUFFER *buf, PB_INT offset, PB_INT count) PB_NOEXCEPT;
 

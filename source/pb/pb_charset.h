@@ -1,4 +1,5 @@
-/* Character sets: codes 0 to 50, their IANA names, and conversion between
+/** @file
+ * Character sets: codes 0 to 50, their IANA names, and conversion between
  * strings and bytes.
  *
  * US-ASCII, ISO-8859-1 and UTF-8 are converted natively; the others through the
@@ -16,7 +17,7 @@
 
 PB_BEGIN_DECLS
 
-/* True for a valid code, 0 to 50 (compared unsigned, so negative codes fail). */
+/** True for a valid code, 0 to 50 (compared unsigned, so negative codes fail). */
 #define PB_CHARSET_OK(cs) ((uint64_t)(cs) <= 50u)
 
 #define PB_CHARSET_US_ASCII 0
@@ -71,36 +72,36 @@ PB_BEGIN_DECLS
 #define PB_CHARSET_UTF_32BE 49
 #define PB_CHARSET_UTF_32LE 50
 
-/* Conversion flag: fail (null) on bytes that are not valid in the charset,
+/** Conversion flag: fail (null) on bytes that are not valid in the charset,
  * instead of replacing them with U+FFFD. */
 #define PB_CHARSET_FLAG_STRICT 1
 
-/* The code of the charset with that IANA name or registered alias (any case), or
+/** The code of the charset with that IANA name or registered alias (any case), or
  * -1 when there is none (the empty name included). */
 PB_API PB_CHARSET pbCharsetFromIanaName(PB_STRING *name) PB_NOEXCEPT;
 PB_API PB_CHARSET pbCharsetFromIanaNameCstr(const char *name, PB_INT length) PB_NOEXCEPT;
 PB_API PB_CHARSET pbCharsetFromIanaNameWcstr(const wchar_t *name, PB_INT length) PB_NOEXCEPT;
 
-/* A new string, the preferred IANA name of a valid code ("UTF-8" for 44). */
+/** A new string, the preferred IANA name of a valid code ("UTF-8" for 44). */
 PB_API PB_STRING *pbCharsetToIanaName(PB_CHARSET charset) PB_NOEXCEPT;
 
-/* The code's text form for stores (its IANA name), and the inverse, which reads
+/** The code's text form for stores (its IANA name), and the inverse, which reads
  * what pbCharsetFromIanaName reads (-1 for an unknown text). */
 PB_API PB_STRING *pbCharsetToString(PB_CHARSET charset) PB_NOEXCEPT;
 PB_API PB_CHARSET pbCharsetFromString(PB_STRING *text) PB_NOEXCEPT;
 PB_API PB_CHARSET pbCharsetFromStringCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 PB_API PB_CHARSET pbCharsetFromStringWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
-/* A new buffer with s encoded in the charset, or null when some code point has no
+/** A new buffer with s encoded in the charset, or null when some code point has no
  * encoding there (a value that is no Unicode scalar has none anywhere). */
 PB_API PB_BUFFER *pbCharsetConvertStringToBuffer(PB_CHARSET charset, PB_STRING *s) PB_NOEXCEPT;
 
-/* A new string decoded from the buffer's bytes; bytes that are not valid in the
+/** A new string decoded from the buffer's bytes; bytes that are not valid in the
  * charset (an incomplete last byte included) become U+FFFD. UTF-8 follows the
  * Unicode practice of one U+FFFD per maximal ill-formed subpart. */
 PB_API PB_STRING *pbCharsetConvertBufferToString(PB_CHARSET charset, PB_BUFFER *buf) PB_NOEXCEPT;
 
-/* As pbCharsetConvertBufferToString; with PB_CHARSET_FLAG_STRICT in flags it
+/** As pbCharsetConvertBufferToString; with PB_CHARSET_FLAG_STRICT in flags it
  * returns null for invalid bytes instead. */
 PB_API PB_STRING *pbCharsetTryConvertBufferToStringWithFlags(PB_CHARSET charset, PB_BUFFER *buf,
                                                              PB_INT flags) PB_NOEXCEPT;

@@ -1,4 +1,5 @@
-/* Dictionaries: objects under keys, one value per key.
+/** @file
+ * Dictionaries: objects under keys, one value per key.
  *
  * Entries are listed by index, 0 to length - 1, in ascending order of their keys
  * (pbObjCompare: code-point order for strings); keys and values at one index
@@ -21,35 +22,36 @@ typedef struct PB_DICT PB_DICT;
 
 PB_SORT_STDFUNCS_DECL(PB_API, pb, Dict, PB_DICT)
 
-/* Returns a new empty dictionary. */
+/** Returns a new empty dictionary. */
 PB_API PB_DICT *pbDictCreate(void) PB_NOEXCEPT;
 PB_API PB_INT pbDictLength(PB_DICT *dict) PB_NOEXCEPT;
 
-/* New references to the key and the value at index (0 <= index < length). */
+/** New references to the key and the value at index (0 <= index < length). */
 PB_API PB_OBJ *pbDictKeyAt(PB_DICT *dict, PB_INT index) PB_NOEXCEPT;
 PB_API PB_OBJ *pbDictValueAt(PB_DICT *dict, PB_INT index) PB_NOEXCEPT;
 
-/* A new reference to the value under key, or null. */
+/** A new reference to the value under key, or null. */
 PB_API PB_OBJ *pbDictStringKey(PB_DICT *dict, PB_STRING *key) PB_NOEXCEPT;
 PB_API PB_OBJ *pbDictStringKeyCstr(PB_DICT *dict, const char *key, PB_INT length) PB_NOEXCEPT;
 PB_API PB_OBJ *pbDictStringKeyWcstr(PB_DICT *dict, const wchar_t *key, PB_INT length) PB_NOEXCEPT;
 
+/** Whether a value is stored under key. */
 PB_API PB_BOOL pbDictHasStringKey(PB_DICT *dict, PB_STRING *key) PB_NOEXCEPT;
 PB_API PB_BOOL pbDictHasStringKeyCstr(PB_DICT *dict, const char *key, PB_INT length) PB_NOEXCEPT;
 PB_API PB_BOOL pbDictHasStringKeyWcstr(PB_DICT *dict, const wchar_t *key, PB_INT length) PB_NOEXCEPT;
 
-/* Stores value (not null) under key, replacing an earlier value. The dictionary
+/** Stores value (not null) under key, replacing an earlier value. The dictionary
  * takes its own references. */
 PB_API void pbDictSetStringKey(PB_DICT **dict, PB_STRING *key, PB_OBJ *value) PB_NOEXCEPT;
 PB_API void pbDictSetStringKeyCstr(PB_DICT **dict, const char *key, PB_INT length, PB_OBJ *value) PB_NOEXCEPT;
 PB_API void pbDictSetStringKeyWcstr(PB_DICT **dict, const wchar_t *key, PB_INT length, PB_OBJ *value) PB_NOEXCEPT;
 
-/* Removes the entry under key, if any. */
+/** Removes the entry under key, if any. */
 PB_API void pbDictDelStringKey(PB_DICT **dict, PB_STRING *key) PB_NOEXCEPT;
 PB_API void pbDictDelStringKeyCstr(PB_DICT **dict, const char *key, PB_INT length) PB_NOEXCEPT;
 PB_API void pbDictDelStringKeyWcstr(PB_DICT **dict, const wchar_t *key, PB_INT length) PB_NOEXCEPT;
 
-/* Removes every entry. */
+/** Removes every entry. */
 PB_API void pbDictClear(PB_DICT **dict) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -1,4 +1,5 @@
-/* Flag sets: a table of flag names, each with a 64-bit value, that reads a text
+/** @file
+ * Flag sets: a table of flag names, each with a 64-bit value, that reads a text
  * of names as a bit set and writes a bit set as a text of names.
  *
  * Text form: names separated by a comma and a space ("A, B"), in ascending order
@@ -23,26 +24,26 @@ typedef struct PB_FLAGSET PB_FLAGSET;
 
 PB_SORT_STDFUNCS_DECL(PB_API, pb, Flagset, PB_FLAGSET)
 
-/* Returns a new empty flag set. */
+/** Returns a new empty flag set. */
 PB_API PB_FLAGSET *pbFlagsetCreate(void) PB_NOEXCEPT;
 
-/* Adds a name with its value, replacing the value of a name already there (names
+/** Adds a name with its value, replacing the value of a name already there (names
  * compared without regard to case). A name is non-empty and holds no separator. */
 PB_API void pbFlagsetSetFlag(PB_FLAGSET **set, PB_STRING *name, uint64_t value) PB_NOEXCEPT;
 PB_API void pbFlagsetSetFlagCstr(PB_FLAGSET **set, const char *name, PB_INT length, uint64_t value) PB_NOEXCEPT;
 PB_API void pbFlagsetSetFlagWcstr(PB_FLAGSET **set, const wchar_t *name, PB_INT length, uint64_t value) PB_NOEXCEPT;
 
-/* True when the set has the name (without regard to case). */
+/** True when the set has the name (without regard to case). */
 PB_API PB_BOOL pbFlagsetHasFlag(PB_FLAGSET *set, PB_STRING *name) PB_NOEXCEPT;
 PB_API PB_BOOL pbFlagsetHasFlagCstr(PB_FLAGSET *set, const char *name, PB_INT length) PB_NOEXCEPT;
 PB_API PB_BOOL pbFlagsetHasFlagWcstr(PB_FLAGSET *set, const wchar_t *name, PB_INT length) PB_NOEXCEPT;
 
-/* The bits of the names in the text (see above). */
+/** The bits of the names in the text (see above). */
 PB_API uint64_t pbFlagsetParse(PB_FLAGSET *set, PB_STRING *text) PB_NOEXCEPT;
 PB_API uint64_t pbFlagsetParseCstr(PB_FLAGSET *set, const char *text, PB_INT length) PB_NOEXCEPT;
 PB_API uint64_t pbFlagsetParseWcstr(PB_FLAGSET *set, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
-/* A new string naming the set bits (see above). */
+/** A new string naming the set bits (see above). */
 PB_API PB_STRING *pbFlagsetGenerate(PB_FLAGSET *set, uint64_t bits) PB_NOEXCEPT;
 
 PB_END_DECLS

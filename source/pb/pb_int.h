@@ -1,4 +1,6 @@
-/* Integer helpers: overflow tests used in assertions, and small arithmetic. */
+/** @file
+ * Integer helpers: overflow tests used in assertions, and small arithmetic.
+ */
 #ifndef PB_INT_H
 #define PB_INT_H
 
@@ -19,13 +21,13 @@ static inline PB_BOOL pb___IntMulOk(PB_INT a, PB_INT b)
     return !__builtin_mul_overflow(a, b, &product);
 }
 
-/* True when a + b (a * b) fits a PB_INT. */
+/** True when a + b (a * b) fits a PB_INT. */
 #define PB_INT_ADD_OK(a, b) pb___IntAddOk((a), (b))
 #define PB_INT_MUL_OK(a, b) pb___IntMulOk((a), (b))
 
-/* Returns the smaller of a and b. */
+/** Returns the smaller of a and b. */
 PB_API PB_INT pbIntMin(PB_INT a, PB_INT b) PB_NOEXCEPT;
-/* Returns the larger of a and b. */
+/** Returns the larger of a and b. */
 PB_API PB_INT pbIntMax(PB_INT a, PB_INT b) PB_NOEXCEPT;
 
 PB_END_DECLS

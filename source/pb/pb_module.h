@@ -1,4 +1,5 @@
-/* Module objects and records, and the loader's part: starting and stopping a
+/** @file
+ * Module objects and records, and the loader's part: starting and stopping a
  * module through its module object, as the product's module loader does. */
 #ifndef PB_MODULE_H
 #define PB_MODULE_H
@@ -9,7 +10,7 @@
 
 PB_BEGIN_DECLS
 
-/* Module record: fourteen words describing a module and the build it came from. */
+/** Module record: fourteen words describing a module and the build it came from. */
 typedef struct PB_MODULE_RECORD {
     int64_t format;              /* record format number: 2 */
     const char *productName;
@@ -32,7 +33,7 @@ typedef struct PB_MODULE_RECORD {
 typedef PB_BOOL (*PB_MODULE_STARTUP_FUNC)(void);
 typedef void (*PB_MODULE_SHUTDOWN_FUNC)(void);
 
-/* Module object: nineteen words. */
+/** Module object: nineteen words. */
 struct PB_MODULE {
     PB_OBJ_HEADER header;              /* PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_MODULE) */
     const PB_MODULE_RECORD *record;
@@ -42,15 +43,15 @@ struct PB_MODULE {
     const void *reserved2[5];          /* null */
 };
 
-/* Runs the module's start-up routine and returns its result. Call it once,
+/** Runs the module's start-up routine and returns its result. Call it once,
  * before any other call into the module. module must not be null. */
 PB_API PB_BOOL pbModuleStartup(const PB_MODULE *module) PB_NOEXCEPT;
 
-/* Runs the module's shut-down routine. Call it once, after the last call into
+/** Runs the module's shut-down routine. Call it once, after the last call into
  * the module and only after a successful start-up. */
 PB_API void pbModuleShutdown(const PB_MODULE *module) PB_NOEXCEPT;
 
-/* Returns the module's record (static data). */
+/** Returns the module's record (static data). */
 PB_API const PB_MODULE_RECORD *pbModuleRecord(const PB_MODULE *module) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -1,4 +1,5 @@
-/* Reference-counted objects: the operations every object supports.
+/** @file
+ * Reference-counted objects: the operations every object supports.
  *
  * Every object starts with the runtime's ten-word header (pb_sort.h) and has a
  * sort, its class descriptor. A function that returns an object returns a new
@@ -19,39 +20,39 @@ typedef struct PB_SORT PB_SORT;
 typedef struct PB_MODULE PB_MODULE;
 typedef struct PB_STRING PB_STRING;
 
-/* Returns the object's sort record (no reference). obj must not be null. */
+/** Returns the object's sort record (no reference). obj must not be null. */
 PB_API const PB_SORT *pbObjSort(PB_OBJ *obj) PB_NOEXCEPT;
 
-/* Adds a reference and returns obj; null passes through. */
+/** Adds a reference and returns obj; null passes through. */
 PB_API PB_OBJ *pbObjRetain(PB_OBJ *obj) PB_NOEXCEPT;
 
-/* Drops a reference; the last one frees the object. Null is ignored. */
+/** Drops a reference; the last one frees the object. Null is ignored. */
 PB_API void pbObjRelease(PB_OBJ *obj) PB_NOEXCEPT;
 
-/* Total order over all objects: objects of one sort are ordered by the sort's
+/** Total order over all objects: objects of one sort are ordered by the sort's
  * compare function, or by identity when the sort has none (an object then equals
  * only itself); objects of different sorts are ordered by sort name, then by sort
  * identity. Returns negative, zero or positive. Neither may be null. */
 PB_API PB_INT pbObjCompare(PB_OBJ *a, PB_OBJ *b) PB_NOEXCEPT;
 
-/* True when pbObjCompare(a, b) is zero. */
+/** True when pbObjCompare(a, b) is zero. */
 PB_API PB_BOOL pbObjEquals(PB_OBJ *a, PB_OBJ *b) PB_NOEXCEPT;
 
-/* Returns a new string, the object's text: the sort's to-string function, or,
+/** Returns a new string, the object's text: the sort's to-string function, or,
  * for a sort without one, the sort's name, "@" and the object's address. For a
  * string the text is the string itself. obj must not be null. */
 PB_API PB_STRING *pbObjToString(PB_OBJ *obj) PB_NOEXCEPT;
 
-/* Creates an object of size bytes (header included, at least the header's size)
+/** Creates an object of size bytes (header included, at least the header's size)
  * with reference count 1, the header filled in and every other byte zero.
  * Never returns null: running out of memory aborts. */
 PB_API PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) PB_NOEXCEPT;
 
-/* Runs the sort's free function, then releases the storage. Called when a
+/** Runs the sort's free function, then releases the storage. Called when a
  * release took the count from 1 to 0; never on a static object. */
 PB_API void pb___ObjFree(PB_OBJ *obj) PB_NOEXCEPT;
 
-/* Number of heap objects created and not yet freed, over the whole process. */
+/** Number of heap objects created and not yet freed, over the whole process. */
 PB_API PB_INT pb___ObjLiveCount(void) PB_NOEXCEPT;
 
 PB_END_DECLS

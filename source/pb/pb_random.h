@@ -1,4 +1,5 @@
-/* Random numbers: a fast generator per thread (xoshiro256**), seeded from the
+/** @file
+ * Random numbers: a fast generator per thread (xoshiro256**), seeded from the
  * operating system's random source and seeded again in a child after fork. Not
  * for secrets: identifiers (pb_identifier.h) read the operating system directly. */
 #ifndef PB_RANDOM_H
@@ -9,7 +10,7 @@
 
 PB_BEGIN_DECLS
 
-/* A uniformly distributed integer from low to high, both included (0 <= low <= high). */
+/** A uniformly distributed integer from low to high, both included (0 <= low <= high). */
 PB_API PB_INT pbRandomNonNegativeIntRange(PB_INT low, PB_INT high) PB_NOEXCEPT;
 
 PB_END_DECLS

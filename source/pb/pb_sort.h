@@ -1,4 +1,5 @@
-/* Layout of the runtime's static records: the object header, sort records and
+/** @file
+ * Layout of the runtime's static records: the object header, sort records and
  * module objects. These layouts are read by the runtime and by the product's
  * module loader, so every word is part of the interface. */
 #ifndef PB_SORT_H
@@ -10,7 +11,7 @@
 
 PB_BEGIN_DECLS
 
-/* The ten words that start every object. */
+/** The ten words that start every object. */
 typedef struct PB_OBJ_HEADER {
     int64_t kind;            /* word 1: PB_OBJ_KIND_... */
     const PB_SORT *sort;     /* word 2: sort of a heap object; 0 in static records */
@@ -23,14 +24,14 @@ typedef struct PB_OBJ_HEADER {
 #define PB_OBJ_KIND_SORT 1   /* a static sort record */
 #define PB_OBJ_KIND_MODULE 2 /* a static module object */
 
-/* Header of a static record: never freed; retain and release leave its count at 1. */
+/** Header of a static record: never freed; retain and release leave its count at 1. */
 #define PB_OBJ_HEADER_STATIC(kind) { (kind), 0, -1, 1, { 0, 0, 0, 0, 0, 0 } }
 
 typedef void (*PB_SORT_FREE_FUNC)(PB_OBJ *obj);
 typedef PB_INT (*PB_SORT_COMPARE_FUNC)(PB_OBJ *a, PB_OBJ *b);
 typedef PB_STRING *(*PB_SORT_TO_STRING_FUNC)(PB_OBJ *obj);
 
-/* Sort record: twenty words. */
+/** Sort record: twenty words. */
 struct PB_SORT {
     PB_OBJ_HEADER header;                /* PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT) */
     const PB_MODULE *module;             /* owning module; null for the runtime's own sorts */
@@ -41,12 +42,12 @@ struct PB_SORT {
     const void *reserved[5];             /* null */
 };
 
-/* Returns the sort's name (static text). */
+/** Returns the sort's name (static text). */
 PB_API const char *pbSortName(const PB_SORT *sort) PB_NOEXCEPT;
 
 PB_END_DECLS
 
-/* Declares the eight standard functions of a sort, as every sort has them:
+/** Declares the eight standard functions of a sort, as every sort has them:
  *   Sort     the address of the static sort record
  *   Retain   adds a reference and returns obj; obj must not be null
  *   Release  drops a reference, freeing the object with the last; obj must not be null

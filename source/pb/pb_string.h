@@ -1,4 +1,5 @@
-/* Strings of Unicode code points.
+/** @file
+ * Strings of Unicode code points.
  *
  * A string is a value: operations that change one take the address of the
  * caller's reference and first replace a shared string by a private copy, so
@@ -21,27 +22,27 @@ typedef struct PB_VECTOR PB_VECTOR;
 
 PB_SORT_STDFUNCS_DECL(PB_API, pb, String, PB_STRING)
 
-/* Returns a new empty string. */
+/** Returns a new empty string. */
 PB_API PB_STRING *pbStringCreate(void) PB_NOEXCEPT;
 
-/* Returns a new string read from UTF-8 text of length bytes (-1: up to the NUL).
+/** Returns a new string read from UTF-8 text of length bytes (-1: up to the NUL).
  * Each ill-formed part becomes U+FFFD. */
 PB_API PB_STRING *pbStringCreateFromCstr(const char *utf8, PB_INT length) PB_NOEXCEPT;
 
-/* Returns a new string from wide characters (-1: up to the NUL). UTF-32 or, where
+/** Returns a new string from wide characters (-1: up to the NUL). UTF-32 or, where
  * wchar_t has 16 bits, UTF-16; values that are no Unicode scalar become U+FFFD. */
 PB_API PB_STRING *pbStringCreateFromWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
-/* Returns a new string holding a copy of count code points, taken as they are. */
+/** Returns a new string holding a copy of count code points, taken as they are. */
 PB_API PB_STRING *pbStringCreateFromCharsCopy(const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
 
-/* Returns a new string of the first count code points of s (count <= length). */
+/** Returns a new string of the first count code points of s (count <= length). */
 PB_API PB_STRING *pbStringCreateFromLeading(PB_STRING *s, PB_INT count) PB_NOEXCEPT;
 
-/* Returns a new string of count code points of s from offset (within s). */
+/** Returns a new string of count code points of s from offset (within s). */
 PB_API PB_STRING *pbStringCreateFromInner(PB_STRING *s, PB_INT offset, PB_INT count) PB_NOEXCEPT;
 
-/* Returns a new string made from a format text (UTF-8, formatLength bytes or -1)
+/** Returns a new string made from a format text (UTF-8, formatLength bytes or -1)
  * and arguments. Directives: %[~][^][-][0][width][!base][l]conversion, or %%.
  *   %s   a PB_STRING *            %o   any PB_OBJ *, by its pbObjToString text
  *   %i   a PB_INT (int64_t)       %c   one code point (PB_CHAR)
@@ -57,33 +58,35 @@ PB_API PB_STRING *pbStringCreateFromFormatCstr(const char *format, PB_INT format
 PB_API PB_STRING *pbStringCreateFromFormatCstrVa(const char *format, PB_INT formatLength,
                                                  va_list args) PB_NOEXCEPT;
 
-/* Appends the formatted text to *s (directives as above). */
+/** Appends the formatted text to *s (directives as above). */
 PB_API void pbStringAppendFormatCstr(PB_STRING **s, const char *format, PB_INT formatLength, ...) PB_NOEXCEPT;
 PB_API void pbStringAppendFormatCstrVa(PB_STRING **s, const char *format, PB_INT formatLength,
                                        va_list args) PB_NOEXCEPT;
 
-/* The code points, valid while the string is held and unchanged. */
+/** The code points, valid while the string is held and unchanged. */
 PB_API const PB_CHAR *pbStringBacking(PB_STRING *s) PB_NOEXCEPT;
 PB_API PB_INT pbStringLength(PB_STRING *s) PB_NOEXCEPT;
-/* The code point at index (0 <= index < length). */
+/** The code point at index (0 <= index < length). */
 PB_API PB_CHAR pbStringCharAt(PB_STRING *s, PB_INT index) PB_NOEXCEPT;
 
+/** Append other, one code point or count code points at the end of *s, or one
+ * code point at its start (a private copy when *s is shared). */
 PB_API void pbStringAppend(PB_STRING **s, PB_STRING *other) PB_NOEXCEPT;
 PB_API void pbStringAppendChar(PB_STRING **s, PB_CHAR c) PB_NOEXCEPT;
 PB_API void pbStringAppendChars(PB_STRING **s, const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
 PB_API void pbStringPrependChar(PB_STRING **s, PB_CHAR c) PB_NOEXCEPT;
 
-/* Remove count code points (count <= length) at the start or at the end. */
+/** Remove count code points (count <= length) at the start or at the end. */
 PB_API void pbStringDelLeading(PB_STRING **s, PB_INT count) PB_NOEXCEPT;
 PB_API void pbStringDelTrailing(PB_STRING **s, PB_INT count) PB_NOEXCEPT;
 
-/* Maps A-Z to a-z; every other code point stays (locale-independent). */
+/** Maps A-Z to a-z; every other code point stays (locale-independent). */
 PB_API void pbStringToLower(PB_STRING **s) PB_NOEXCEPT;
 
-/* Removes spaces, horizontal tabs, CR and LF at both ends. */
+/** Removes spaces, horizontal tabs, CR and LF at both ends. */
 PB_API void pbStringTrim(PB_STRING **s) PB_NOEXCEPT;
 
-/* Returns a new vector of new strings: the pieces between occurrences of c (or of
+/** Returns a new vector of new strings: the pieces between occurrences of c (or of
  * the whole sequence chars[0..count), count > 0). maxParts -1 means no limit; with
  * a limit n > 0 there are at most n pieces and the last keeps the rest, separators
  * included. The empty string gives one empty piece. */
@@ -91,17 +94,17 @@ PB_API PB_VECTOR *pbStringSplitChar(PB_STRING *s, PB_CHAR c, PB_INT maxParts) PB
 PB_API PB_VECTOR *pbStringSplitChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count,
                                      PB_INT maxParts) PB_NOEXCEPT;
 
-/* True when s is exactly chars[0..count). */
+/** True when s is exactly chars[0..count). */
 PB_API PB_BOOL pbStringEqualsChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
-/* True when s ends with chars[0..count). */
+/** True when s ends with chars[0..count). */
 PB_API PB_BOOL pbStringEndsWithChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
 
-/* True when s equals other without regard to the case of A-Z and a-z. */
+/** True when s equals other without regard to the case of A-Z and a-z. */
 PB_API PB_BOOL pbStringEqualsCaseFold(PB_STRING *s, PB_STRING *other) PB_NOEXCEPT;
 PB_API PB_BOOL pbStringEqualsCaseFoldCstr(PB_STRING *s, const char *text, PB_INT length) PB_NOEXCEPT;
 PB_API PB_BOOL pbStringEqualsCaseFoldWcstr(PB_STRING *s, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
-/* Returns newly allocated, NUL-terminated UTF-8 text of s (a value that is no
+/** Returns newly allocated, NUL-terminated UTF-8 text of s (a value that is no
  * Unicode scalar becomes U+FFFD), and its length in bytes through length when
  * that is not null. flags must be 0. Free the text with pbMemFree. */
 PB_API char *pbStringConvertToCstr(PB_STRING *s, PB_INT flags, PB_INT *length) PB_NOEXCEPT;

@@ -1,4 +1,6 @@
-/* Scalar types of the runtime's interface. */
+/** @file
+ * Scalar types of the runtime's interface.
+ */
 #ifndef PB_TYPES_H
 #define PB_TYPES_H
 

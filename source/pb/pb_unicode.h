@@ -1,4 +1,6 @@
-/* Single code points. */
+/** @file
+ * Single code points.
+ */
 #ifndef PB_UNICODE_H
 #define PB_UNICODE_H
 
@@ -7,7 +9,7 @@
 
 PB_BEGIN_DECLS
 
-/* 0 to 15 for the ASCII hexadecimal digits 0-9, a-f and A-F; -1 for every other
+/** 0 to 15 for the ASCII hexadecimal digits 0-9, a-f and A-F; -1 for every other
  * code point (other scripts' digits included). */
 PB_API PB_INT pbUnicodeHexadecimalDigitValue(PB_CHAR c) PB_NOEXCEPT;
 

@@ -1,4 +1,6 @@
-/* The codec library: base64 and quoted-printable coding with option objects. */
+/** @file
+ * The codec library: base64 and quoted-printable coding with option objects.
+ */
 #ifndef RFC_H
 #define RFC_H
 

@@ -1,4 +1,6 @@
-/* Export macro of the codec library's public headers. */
+/** @file
+ * Export macro of the codec library's public headers.
+ */
 #ifndef RFC_API_H
 #define RFC_API_H
 

@@ -1,4 +1,5 @@
-/* Base-N coding of byte buffers. Variant RFC_BASE_VARIANT_BASE64 (3) is base64
+/** @file
+ * Base-N coding of byte buffers. Variant RFC_BASE_VARIANT_BASE64 (3) is base64
  * with the alphabet and padding of RFC 2045 / RFC 4648 section 4; it is the only
  * variant, and any other is a programming error.
  *
@@ -29,9 +30,9 @@ PB_BEGIN_DECLS
 
 #define RFC_BASE_VARIANT_BASE64 ((PB_INT)3)
 
-/* Returns a new buffer with the encoded text; never null. */
+/** Returns a new buffer with the encoded text; never null. */
 RFC_API PB_BUFFER *rfcBaseEncodeWithOptions(PB_BUFFER *buffer, PB_INT variant, RFC_BASE_OPTIONS *options) PB_NOEXCEPT;
-/* Returns a new buffer with the decoded bytes, or null when the text is invalid. */
+/** Returns a new buffer with the decoded bytes, or null when the text is invalid. */
 RFC_API PB_BUFFER *rfcBaseTryDecodeWithOptions(PB_BUFFER *buffer, PB_INT variant,
                                                RFC_BASE_OPTIONS *options) PB_NOEXCEPT;
 

@@ -1,4 +1,5 @@
-/* Options of base-N coding (base64).
+/** @file
+ * Options of base-N coding (base64).
  *
  * One setting: the output line length, the number of characters on every line
  * of encoded text but the last, lines being ended by CR LF. 0 and -1 both mean
@@ -26,19 +27,20 @@ PB_SORT_STDFUNCS_DECL(RFC_API, rfc, BaseOptions, RFC_BASE_OPTIONS)
 
 #define RFC_BASE_OPTIONS_OUTPUT_LINE_LENGTH_DEFAULT ((PB_INT)-1)
 
-/* Returns new options with the defaults. */
+/** Returns new options with the defaults. */
 RFC_API RFC_BASE_OPTIONS *rfcBaseOptionsCreate(void) PB_NOEXCEPT;
-/* Returns new options with the settings of source. */
+/** Returns new options with the settings of source. */
 RFC_API RFC_BASE_OPTIONS *rfcBaseOptionsCreateFrom(RFC_BASE_OPTIONS *source) PB_NOEXCEPT;
 
+/** The length of the encoded lines, each ended by CR LF; 0 and -1 (the default): one line. */
 RFC_API PB_INT rfcBaseOptionsOutputLineLength(RFC_BASE_OPTIONS *options) PB_NOEXCEPT;
-/* length is -1 or greater (0 and -1: one unbroken line). */
+/** length is -1 or greater (0 and -1: one unbroken line). */
 RFC_API void rfcBaseOptionsSetOutputLineLength(RFC_BASE_OPTIONS **options, PB_INT length) PB_NOEXCEPT;
 
-/* Returns a new store of the settings: all of them when full is nonzero, else
+/** Returns a new store of the settings: all of them when full is nonzero, else
  * those that differ from the defaults. */
 RFC_API PB_STORE *rfcBaseOptionsStore(RFC_BASE_OPTIONS *options, PB_BOOL full) PB_NOEXCEPT;
-/* Returns new options from a store written by rfcBaseOptionsStore; never null. */
+/** Returns new options from a store written by rfcBaseOptionsStore; never null. */
 RFC_API RFC_BASE_OPTIONS *rfcBaseOptionsRestore(PB_STORE *store) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -1,4 +1,5 @@
-/* Quoted-printable coding of byte buffers (RFC 2045 section 6.7).
+/** @file
+ * Quoted-printable coding of byte buffers (RFC 2045 section 6.7).
  *
  * Encoding: CR LF in the input is a hard line break and is written as CR LF.
  * Every other CR and LF, "=", control byte (tab excepted) and byte of 127 or more
@@ -29,10 +30,10 @@
 
 PB_BEGIN_DECLS
 
-/* Returns a new buffer with the quoted-printable text, or null when the buffer
+/** Returns a new buffer with the quoted-printable text, or null when the buffer
  * ends in an incomplete byte. */
 RFC_API PB_BUFFER *rfcQuopEncodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
-/* Returns a new buffer with the decoded bytes, or null when the text is invalid. */
+/** Returns a new buffer with the decoded bytes, or null when the text is invalid. */
 RFC_API PB_BUFFER *rfcQuopTryDecodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -1,4 +1,5 @@
-/* Options of quoted-printable coding.
+/** @file
+ * Options of quoted-printable coding.
  *
  * One setting: the maximum line length of encoded text, CR LF not counted, from
  * 4 (the shortest line that holds an escape and a soft line break) to 76 (the
@@ -28,19 +29,20 @@ PB_SORT_STDFUNCS_DECL(RFC_API, rfc, QuopOptions, RFC_QUOP_OPTIONS)
 #define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MAX ((PB_INT)76)
 #define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_DEFAULT ((PB_INT)76)
 
-/* Returns new options with the defaults. */
+/** Returns new options with the defaults. */
 RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsCreate(void) PB_NOEXCEPT;
-/* Returns new options with the settings of source. */
+/** Returns new options with the settings of source. */
 RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsCreateFrom(RFC_QUOP_OPTIONS *source) PB_NOEXCEPT;
 
+/** The longest encoded line, its soft line break "=" included, CR LF not counted. */
 RFC_API PB_INT rfcQuopOptionsMaxLineLength(RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
-/* length is from RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MIN to ..._MAX. */
+/** length is from RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MIN to ..._MAX. */
 RFC_API void rfcQuopOptionsSetMaxLineLength(RFC_QUOP_OPTIONS **options, PB_INT length) PB_NOEXCEPT;
 
-/* Returns a new store of the settings: all of them when full is nonzero, else
+/** Returns a new store of the settings: all of them when full is nonzero, else
  * those that differ from the defaults. */
 RFC_API PB_STORE *rfcQuopOptionsStore(RFC_QUOP_OPTIONS *options, PB_BOOL full) PB_NOEXCEPT;
-/* Returns new options from a store written by rfcQuopOptionsStore; never null. */
+/** Returns new options from a store written by rfcQuopOptionsStore; never null. */
 RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsRestore(PB_STORE *store) PB_NOEXCEPT;
 
 PB_END_DECLS
