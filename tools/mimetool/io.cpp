@@ -1,7 +1,6 @@
 #include "io.hpp"
 
 #include "cli.hpp"
-#include "sample_data.h"
 
 #include <cerrno>
 #include <cstdio>
@@ -64,11 +63,6 @@ Ref<PB_BUFFER> withWireLineEnds(Ref<PB_BUFFER> content)
         pbBufferAppendBytes(converted.address(), "\r\n", 2);
         start = end + 1;
     }
-}
-
-Ref<PB_BUFFER> sampleMessage()
-{
-    return Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(mimetool_sample, sizeof mimetool_sample));
 }
 
 void writeOut(std::string_view text)

@@ -1,0 +1,27 @@
+// Any bytes as mimetool reads a message file: the part tree is built and
+// printed both ways, or refused with one line that names the part; nothing
+// aborts, leaks or recurses without bound.
+#include "fuzz_support.hpp"
+
+#include "cli.hpp"
+#include "io.hpp"
+#include "render.hpp"
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    return fuzz::run(data, size, [](const uint8_t *d, size_t n) {
+        using namespace mimetool;
+        Ref<PB_BUFFER> content(pbBufferCreateFromBytesCopy(d, static_cast<PB_INT>(n)));
+        content = withWireLineEnds(std::move(content));
+        Ref<MIME_OPTIONS> options = defaultOptions();
+        try {
+            const Part message = readMessage(content.get(), options.get());
+            const std::string text = treeText(message);
+            const std::string json = treeJson(message);
+            PB_ASSERT_MSG("one block per part", text.compare(0, 2, "1 ") == 0 && json.compare(0, 2, "{\n") == 0);
+        } catch (const InputError &error) {
+            PB_ASSERT_MSG("one line naming the part", error.message.compare(0, 6, "part 1") == 0 &&
+                                                            error.message.find('\n') == std::string::npos);
+        }
+    });
+}

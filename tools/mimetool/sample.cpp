@@ -1,0 +1,13 @@
+// The embedded sample, compiled in from emergency_invite.txt.
+#include "io.hpp"
+
+#include "sample_data.h"
+
+namespace mimetool {
+
+Ref<PB_BUFFER> sampleMessage()
+{
+    return Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(mimetool_sample, sizeof mimetool_sample));
+}
+
+}  // namespace mimetool
