@@ -5,6 +5,8 @@
 namespace mimetool {
 namespace {
 
+constexpr PB_INT kExcerptLength = 60;
+
 void appendUtf8(std::string &out, PB_CHAR c)
 {
     if (c > 0x10FFFF || (c >= 0xD800 && c <= 0xDFFF))
@@ -70,6 +72,18 @@ std::string shownChars(PB_STRING *s, bool quoted)
     return out;
 }
 
+bool equalsAscii(const PB_CHAR *chars, std::string_view ascii)
+{
+    for (size_t i = 0; i < ascii.size(); i++) {
+        PB_CHAR c = chars[i];
+        if (c >= 'A' && c <= 'Z')
+            c += 'a' - 'A';
+        if (c != static_cast<PB_CHAR>(ascii[i]))
+            return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 bool isControlOrBidi(PB_CHAR c)
@@ -130,27 +144,6 @@ std::string jsonString(std::string_view ascii)
 {
     return jsonString(stringOf(ascii).get());
 }
-
-}  // namespace mimetool
-
-namespace mimetool {
-namespace {
-
-constexpr PB_INT kExcerptLength = 60;
-
-bool equalsAscii(const PB_CHAR *chars, std::string_view ascii)
-{
-    for (size_t i = 0; i < ascii.size(); i++) {
-        PB_CHAR c = chars[i];
-        if (c >= 'A' && c <= 'Z')
-            c += 'a' - 'A';
-        if (c != static_cast<PB_CHAR>(ascii[i]))
-            return false;
-    }
-    return true;
-}
-
-}  // namespace
 
 std::string byteCount(PB_INT count)
 {

@@ -28,16 +28,11 @@ std::string shownValue(PB_STRING *s);
 // s as a JSON string literal.
 std::string jsonString(PB_STRING *s);
 std::string jsonString(std::string_view ascii);
-
-}  // namespace mimetool
-
-namespace mimetool {
-
 // "1 byte", "12 bytes".
 std::string byteCount(PB_INT count);
 // shown(s) in double quotes, cut after 60 characters: a value quoted in a message.
 std::string excerpt(PB_STRING *s);
-// Whether s starts with (or ends with, or equals) the ASCII text, without regard to case.
+// Whether s starts (ends) with the lower-case ASCII text, without regard to case.
 bool startsWith(PB_STRING *s, std::string_view ascii);
 bool endsWith(PB_STRING *s, std::string_view ascii);
 
