@@ -5,6 +5,7 @@
 #include "tree.hpp"
 
 #include <cerrno>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
@@ -102,6 +103,20 @@ mode_t currentUmask()
     return mask;
 }
 
+// Moves the written file to its name; without force only when the name is free,
+// atomically (by a hard link where the file system cannot rename so).
+bool place(const std::string &temporary, const std::string &path, bool force)
+{
+    if (force)
+        return rename(temporary.c_str(), path.c_str()) == 0;
+    if (renameat2(AT_FDCWD, temporary.c_str(), AT_FDCWD, path.c_str(), RENAME_NOREPLACE) == 0)
+        return true;
+    if (errno != EINVAL || link(temporary.c_str(), path.c_str()) != 0)
+        return false;
+    unlink(temporary.c_str());
+    return true;
+}
+
 // Writes every body into a temporary file of the directory, then moves each
 // into place; on failure the temporary files go again, so a run leaves all its
 // files or none of them (a file that appears meanwhile stops the run at it).
@@ -127,12 +142,8 @@ void writeTargets(const std::string &dir, std::vector<Target> &targets, bool for
         }
         for (Target &target : targets) {
             const std::string path = dir + "/" + target.name;
-            const bool placed = force ? rename(target.temporary.c_str(), path.c_str()) == 0
-                                      : link(target.temporary.c_str(), path.c_str()) == 0;
-            if (!placed)
+            if (!place(target.temporary, path, force))
                 throw InputError{"cannot create " + path + ": " + std::strerror(errno)};
-            if (!force)
-                unlink(target.temporary.c_str());
             target.temporary.clear();
         }
     } catch (...) {
