@@ -2,8 +2,11 @@
 // C interface.
 #include "cli.hpp"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <string>
+#include <vector>
 
 namespace mimetool {
 namespace {
