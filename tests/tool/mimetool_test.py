@@ -109,19 +109,21 @@ class Show(ToolTest):
         self.assertEqual(self.show_json(self.path("m"))["parameters"]["name"], "a\x1b[2J\u202eb")
 
     def test_malformed_input_names_what_and_where(self):
+        # (content, the part that fails, what the message says of it)
         cases = [
-            (crlf("Content-Type: text/plain\nno colon here\n\nx"), "part 1: line 2 is no header field"),
-            (crlf("Content-Type: text/plain\nContent-type: text/html\n\nx"), "part 1: line 2 repeats the field"),
-            (crlf("Content-Type: text/\n\nx"), 'part 1: Content-Type "text/" is not valid'),
-            (multipart("Content-Transfer-Encoding: base64\n\n@@@"), "part 1.1: the body is not valid base64"),
-            (multipart("\nfine", "Content-Disposition: ;\n\nx"), 'part 1.2: Content-Disposition ";" is not valid'),
-            (multipart("\nfine", "Bad Name: x\n\ny"), "part 1.2: line 1 has a space"),
-            (crlf("Content-Type: multipart/mixed; boundary=b\n\n--b\n\nx\n"), "part 1: the close delimiter --b-- is missing"),
-            (crlf("Content-Type: multipart/mixed\n\n--b\n"), "part 1: the multipart type has no boundary"),
-            (b"Content-Type: text/plain\r\nX-Bad: \xff\r\n\r\n", "part 1: line 2 is not UTF-8"),
-            (nested(70), "part 1" + ".1" * 64 + ": multipart bodies nest deeper than 64 levels"),
+            (crlf("Content-Type: text/plain\nno colon here\n\nx"), "1", "line 2 is no header field"),
+            (crlf("Content-Type: text/plain\nContent-type: text/html\n\nx"), "1", "line 2 repeats the field"),
+            (crlf("Content-Type: text/\n\nx"), "1", 'Content-Type "text/" is not valid'),
+            (multipart("Content-Transfer-Encoding: base64\n\n@@@"), "1.1", "the body is not valid base64"),
+            (multipart("\nfine", "Content-Disposition: ;\n\nx"), "1.2", 'Content-Disposition ";" is not valid'),
+            (multipart("\nfine", "Bad Name: x\n\ny"), "1.2", "line 1 has a space"),
+            (crlf("Content-Type: multipart/mixed; boundary=b\n\n--b\n\nx\n"), "1", "the close delimiter --b-- is missing"),
+            (crlf("Content-Type: multipart/mixed\n\n--b\n"), "1", "the multipart type has no boundary"),
+            (b"Content-Type: text/plain\r\nX-Bad: \xff\r\n\r\n", "1", "line 2 is not UTF-8"),
+            (nested(70), "1" + ".1" * 64, "multipart bodies nest deeper than 64 levels"),
         ]
-        for content, message in cases:
+        for content, number, fault in cases:
+            message = f"part {number}: {fault}"
             with self.subTest(message):
                 status, out, err = run("show", self.write("bad", content))
                 self.assertEqual((status, out), (1, ""))

@@ -2,6 +2,7 @@
 #include "cli.hpp"
 #include "io.hpp"
 #include "text.hpp"
+#include "tree.hpp"
 
 #include <charconv>
 
@@ -10,13 +11,10 @@ namespace {
 
 std::string parameterLines(PB_DICT *parameters)
 {
-    Ref<PB_DICT> dict(parameters);
     std::string out;
-    for (PB_INT i = 0; i < pbDictLength(dict.get()); i++) {
-        Ref<PB_OBJ> key(pbDictKeyAt(dict.get(), i));
-        Ref<PB_OBJ> value(pbDictValueAt(dict.get(), i));
-        out += "parameter " + shown(pbStringFrom(key.get())) + ": " + shown(pbStringFrom(value.get())) + "\n";
-    }
+    forEachParameter(parameters, [&](PB_STRING *key, PB_STRING *value) {
+        out += "parameter " + shown(key) + ": " + shown(value) + "\n";
+    });
     return out;
 }
 

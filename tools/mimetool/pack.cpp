@@ -38,9 +38,9 @@ constexpr std::array<Extension, 19> kExtensions = {{
 
 const char *guessedMediaType(const std::string &path)
 {
+    Ref<PB_STRING> name = stringOf(path);
     for (const Extension &extension : kExtensions) {
-        if (path.size() > extension.suffix.size() &&
-            endsWith(stringOf(path).get(), extension.suffix))
+        if (path.size() > extension.suffix.size() && endsWith(name.get(), extension.suffix))
             return extension.mediaType;
     }
     return "application/octet-stream";

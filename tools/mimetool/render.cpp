@@ -5,17 +5,6 @@
 namespace mimetool {
 namespace {
 
-template <class F>
-void forEachParameter(PB_DICT *parameters, F visit)
-{
-    Ref<PB_DICT> dict(parameters);
-    for (PB_INT i = 0; i < pbDictLength(dict.get()); i++) {
-        Ref<PB_OBJ> key(pbDictKeyAt(dict.get(), i));
-        Ref<PB_OBJ> value(pbDictValueAt(dict.get(), i));
-        visit(pbStringFrom(key.get()), pbStringFrom(value.get()));
-    }
-}
-
 // "label; key=value; key="a value"", as a reader expects a header value.
 std::string labelled(PB_STRING *label, PB_DICT *parameters)
 {

@@ -97,8 +97,9 @@ std::string multipartFault(MIME_CONTENT_TYPE *type, PB_BUFFER *body, const std::
     if (!mimeMultipartBoundaryOk(boundary.get()))
         return where + "the boundary " + excerpt(boundary.get()) + " is not valid";
     const std::string dash = "--" + utf8(boundary.get());
+    const std::string delimiter = "\r\n" + dash;
     const std::string_view content = bytesOf(body);
-    size_t at = content.substr(0, dash.size()) == dash ? 0 : content.find("\r\n" + dash);
+    size_t at = content.substr(0, dash.size()) == dash ? 0 : content.find(delimiter);
     if (at == std::string_view::npos)
         return where + "the body holds no delimiter line " + dash;
     at += at == 0 && content.substr(0, dash.size()) == dash ? 0 : 2;
@@ -111,7 +112,7 @@ std::string multipartFault(MIME_CONTENT_TYPE *type, PB_BUFFER *body, const std::
             return where + "a delimiter line holds more than " + dash + " and padding";
         if (close)
             return where + "the multipart body is malformed";
-        const size_t next = content.find("\r\n" + dash, lineEnd);
+        const size_t next = content.find(delimiter, lineEnd);
         if (next == std::string_view::npos)
             return where + "the close delimiter " + dash + "-- is missing";
         const size_t partStart = std::min(lineEnd + 2, next);

@@ -20,6 +20,19 @@ struct Part {
     std::vector<Part> parts;  // of a multipart body
 };
 
+// Calls visit(key, value) for each entry of a parameter dictionary, in key
+// order; takes over the reference to parameters.
+template <class F>
+void forEachParameter(PB_DICT *parameters, F visit)
+{
+    Ref<PB_DICT> dict(parameters);
+    for (PB_INT i = 0; i < pbDictLength(dict.get()); i++) {
+        Ref<PB_OBJ> key(pbDictKeyAt(dict.get(), i));
+        Ref<PB_OBJ> value(pbDictValueAt(dict.get(), i));
+        visit(pbStringFrom(key.get()), pbStringFrom(value.get()));
+    }
+}
+
 // Reads content as one entity, decodes it and unpacks multipart bodies
 // recursively. Malformed input is an InputError naming the part and what
 // failed in it.
