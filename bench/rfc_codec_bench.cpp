@@ -47,7 +47,9 @@ const uint8_t *u8(const std::string &s)
 // scalar one where the processor lacks the other).
 const rfc::Kernels &kernels(const benchmark::State &state)
 {
-    const rfc::Kernels *vector = state.range(1) == 1 ? rfc::avx2Kernels() : state.range(1) == 2 ? rfc::avx512Kernels() : nullptr;
+    const rfc::Kernels *vector = state.range(1) == 1   ? rfc::avx2Kernels()
+                                 : state.range(1) == 2 ? rfc::avx512Kernels()
+                                                       : nullptr;
     return vector ? *vector : rfc::scalarKernels();
 }
 
@@ -103,8 +105,8 @@ void quopDecode(benchmark::State &state)
 {
     std::string raw = mailText(static_cast<size_t>(state.range(0)));
     std::string text(rfc::quop::encodeBound(u8(raw), raw.size(), 76, rfc::scalarKernels()), '\0');
-    text.resize(rfc::quop::encode(u8(raw), raw.size(), 76, reinterpret_cast<uint8_t *>(text.data()),
-                                  rfc::scalarKernels()));
+    text.resize(
+        rfc::quop::encode(u8(raw), raw.size(), 76, reinterpret_cast<uint8_t *>(text.data()), rfc::scalarKernels()));
     std::vector<uint8_t> out(rfc::quop::decodeBound(text.size()));
     for (auto _ : state) {
         benchmark::DoNotOptimize(rfc::quop::decode(u8(text), text.size(), out.data(), kernels(state)));

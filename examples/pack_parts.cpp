@@ -14,19 +14,42 @@
 
 namespace {
 
-inline void release(PB_STRING *s) { pbStringRelease(s); }
-inline void release(PB_BUFFER *b) { pbBufferRelease(b); }
-inline void release(PB_VECTOR *v) { pbVectorRelease(v); }
-inline void release(PB_OBJ *o) { pbObjRelease(o); }
-inline void release(MIME_OPTIONS *o) { mimeOptionsRelease(o); }
-inline void release(MIME_ENTITY *e) { mimeEntityRelease(e); }
-inline void release(MIME_CONTENT_TYPE *t) { mimeContentTypeRelease(t); }
-inline void release(MIME_CONTENT_DISPOSITION *d) { mimeContentDispositionRelease(d); }
+inline void release(PB_STRING *s)
+{
+    pbStringRelease(s);
+}
+inline void release(PB_BUFFER *b)
+{
+    pbBufferRelease(b);
+}
+inline void release(PB_VECTOR *v)
+{
+    pbVectorRelease(v);
+}
+inline void release(PB_OBJ *o)
+{
+    pbObjRelease(o);
+}
+inline void release(MIME_OPTIONS *o)
+{
+    mimeOptionsRelease(o);
+}
+inline void release(MIME_ENTITY *e)
+{
+    mimeEntityRelease(e);
+}
+inline void release(MIME_CONTENT_TYPE *t)
+{
+    mimeContentTypeRelease(t);
+}
+inline void release(MIME_CONTENT_DISPOSITION *d)
+{
+    mimeContentDispositionRelease(d);
+}
 
 // Holds one reference. address() is for the operations that change a value
 // (they take T ** and copy the object first when it is shared).
-template <class T>
-class Ref {
+template <class T> class Ref {
 public:
     explicit Ref(T *adopted = nullptr) : p_(adopted) {}
     Ref(const Ref &) = delete;
@@ -62,7 +85,7 @@ constexpr std::string_view kLocation =
     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\n"
     "<presence xmlns=\"urn:ietf:params:xml:ns:pidf\" entity=\"pres:alice@example.net\"/>\r\n";
 
-}  // namespace
+} // namespace
 
 int main()
 {

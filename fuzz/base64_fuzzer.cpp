@@ -14,9 +14,9 @@ namespace {
 
 std::vector<uint8_t> decoded(const uint8_t *d, size_t n, const rfc::Kernels &k, bool &ok)
 {
-    return fuzz::decoded(d, n, rfc::base64::decodeBound(n),
-                         [&](const uint8_t *in, size_t size, uint8_t *out) { return rfc::base64::decode(in, size, out, k); },
-                         ok);
+    return fuzz::decoded(
+        d, n, rfc::base64::decodeBound(n),
+        [&](const uint8_t *in, size_t size, uint8_t *out) { return rfc::base64::decode(in, size, out, k); }, ok);
 }
 
 } // namespace
@@ -40,8 +40,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         PB_ASSERT( bytes.empty() || std::memcmp(pbBufferBacking(result.get()), bytes.data(), bytes.size()) == 0 );
 
         rfcBaseOptionsSetOutputLineLength(options.addr(), n ? d[0] % 90 - 1 : 76);
-        pb::Ref<PB_BUFFER> again = pb::adopt(rfcBaseEncodeWithOptions(result.get(), RFC_BASE_VARIANT_BASE64, options.get()));
-        pb::Ref<PB_BUFFER> back = pb::adopt(rfcBaseTryDecodeWithOptions(again.get(), RFC_BASE_VARIANT_BASE64, options.get()));
+        pb::Ref<PB_BUFFER> again =
+            pb::adopt(rfcBaseEncodeWithOptions(result.get(), RFC_BASE_VARIANT_BASE64, options.get()));
+        pb::Ref<PB_BUFFER> back =
+            pb::adopt(rfcBaseTryDecodeWithOptions(again.get(), RFC_BASE_VARIANT_BASE64, options.get()));
         PB_ASSERT( back && pbBufferCompare(back.get(), result.get()) == 0 );
     });
 }

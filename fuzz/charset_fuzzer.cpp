@@ -17,17 +17,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         PB_CHARSET cs = d[0] % 51;
         Ref<PB_BUFFER> bytes = adopt(pbBufferCreateFromBytesCopy(d + 1, static_cast<PB_INT>(n - 1)));
         Ref<PB_STRING> lenient = adopt(pbCharsetConvertBufferToString(cs, bytes.get()));
-        Ref<PB_STRING> strict = adopt(pbCharsetTryConvertBufferToStringWithFlags(cs, bytes.get(), PB_CHARSET_FLAG_STRICT));
+        Ref<PB_STRING> strict =
+            adopt(pbCharsetTryConvertBufferToStringWithFlags(cs, bytes.get(), PB_CHARSET_FLAG_STRICT));
         PB_ASSERT( lenient );
         if (strict) {
             PB_ASSERT( pbStringEquals(strict.get(), lenient.get()) );
             Ref<PB_BUFFER> again = adopt(pbCharsetConvertStringToBuffer(cs, strict.get()));
             PB_ASSERT( again );
-            Ref<PB_STRING> back = adopt(pbCharsetTryConvertBufferToStringWithFlags(cs, again.get(), PB_CHARSET_FLAG_STRICT));
+            Ref<PB_STRING> back =
+                adopt(pbCharsetTryConvertBufferToStringWithFlags(cs, again.get(), PB_CHARSET_FLAG_STRICT));
             PB_ASSERT( back && pbStringEquals(back.get(), strict.get()) );
         }
         if (cs == PB_CHARSET_UTF_8) {
-            Ref<PB_STRING> fromCstr = adopt(pbStringCreateFromCstr(reinterpret_cast<const char *>(d + 1), static_cast<PB_INT>(n - 1)));
+            Ref<PB_STRING> fromCstr =
+                adopt(pbStringCreateFromCstr(reinterpret_cast<const char *>(d + 1), static_cast<PB_INT>(n - 1)));
             PB_ASSERT( pbStringEquals(fromCstr.get(), lenient.get()) );
             Ref<PB_BUFFER> utf8 = adopt(pbCharsetConvertStringToBuffer(cs, lenient.get()));
             PB_ASSERT( utf8 ); // replacement characters are encodable

@@ -24,17 +24,20 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
                 pieces.back() += static_cast<char>(d[i]);
         }
         pieces.resize(5);
-        void (*const setters[])(MIME_ENTITY **, PB_STRING *) = {mimeEntitySetContentType, mimeEntitySetContentDisposition,
-                                                               mimeEntitySetContentTransferEncoding, mimeEntitySetContentId};
+        void (*const setters[])(MIME_ENTITY **,
+                                PB_STRING *) = {mimeEntitySetContentType, mimeEntitySetContentDisposition,
+                                                mimeEntitySetContentTransferEncoding, mimeEntitySetContentId};
         Ref<MIME_ENTITY> ent = adopt(mimeEntityCreate());
         for (size_t f = 0; f < 4; ++f) {
             if (d[1] & (1u << f)) {
-                Ref<PB_STRING> text = adopt(pbStringCreateFromCstr(pieces[f].data(), static_cast<PB_INT>(pieces[f].size())));
+                Ref<PB_STRING> text =
+                    adopt(pbStringCreateFromCstr(pieces[f].data(), static_cast<PB_INT>(pieces[f].size())));
                 setters[f](ent.addr(), text.get());
             }
         }
         if (d[1] & 16) {
-            Ref<PB_BUFFER> body = adopt(pbBufferCreateFromBytesCopy(pieces[4].data(), static_cast<PB_INT>(pieces[4].size())));
+            Ref<PB_BUFFER> body =
+                adopt(pbBufferCreateFromBytesCopy(pieces[4].data(), static_cast<PB_INT>(pieces[4].size())));
             mimeEntitySetBody(ent.addr(), body.get());
         }
         Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());

@@ -25,7 +25,8 @@ inline bool sameEntity(MIME_ENTITY *a, MIME_ENTITY *b)
             return false;
     pb::Ref<PB_BUFFER> x = adopt(mimeEntityBody(a)), y = adopt(mimeEntityBody(b));
     PB_INT nx = x ? pbBufferLength(x.get()) : 0, ny = y ? pbBufferLength(y.get()) : 0;
-    return nx == ny && (nx == 0 || std::memcmp(pbBufferBacking(x.get()), pbBufferBacking(y.get()), static_cast<size_t>(nx)) == 0);
+    return nx == ny &&
+           (nx == 0 || std::memcmp(pbBufferBacking(x.get()), pbBufferBacking(y.get()), static_cast<size_t>(nx)) == 0);
 }
 
 inline MIME_ENTITY *entityAt(PB_VECTOR *v, PB_INT i)

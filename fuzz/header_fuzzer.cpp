@@ -64,8 +64,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     return fuzz::run(data, size, [](const uint8_t *d, size_t n) {
         if (n < 2)
             return;
-        Ref<PB_STRING> value = adopt(pbStringCreateFromCstr(reinterpret_cast<const char *>(d + 2),
-                                                            static_cast<PB_INT>(n - 2)));
+        Ref<PB_STRING> value =
+            adopt(pbStringCreateFromCstr(reinterpret_cast<const char *>(d + 2), static_cast<PB_INT>(n - 2)));
         Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
         mimeOptionsSetWrapLineLength(mo.addr(), d[1] % 90 - 1);
         mimeOptionsSetFlags(mo.addr(), d[0] >> 2);

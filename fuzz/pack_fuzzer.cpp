@@ -34,8 +34,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             else
                 pieces.back() += static_cast<char>(d[i]);
         }
-        void (*const setters[])(MIME_ENTITY **, PB_STRING *) = {mimeEntitySetContentType, mimeEntitySetContentDisposition,
-                                                               mimeEntitySetContentTransferEncoding, mimeEntitySetContentId};
+        void (*const setters[])(MIME_ENTITY **,
+                                PB_STRING *) = {mimeEntitySetContentType, mimeEntitySetContentDisposition,
+                                                mimeEntitySetContentTransferEncoding, mimeEntitySetContentId};
         pb::Ref<PB_VECTOR> entities = adopt(pbVectorCreate());
         // Each entity: a presence mask (first byte of its first piece), four values, a body.
         for (size_t p = 0; p < pieces.size() && pbVectorLength(entities.get()) < 8; p += 6) {

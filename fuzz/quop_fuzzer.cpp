@@ -14,9 +14,9 @@ namespace {
 
 std::vector<uint8_t> decoded(const uint8_t *d, size_t n, const rfc::Kernels &k, bool &ok)
 {
-    return fuzz::decoded(d, n, rfc::quop::decodeBound(n),
-                         [&](const uint8_t *in, size_t size, uint8_t *out) { return rfc::quop::decode(in, size, out, k); },
-                         ok);
+    return fuzz::decoded(
+        d, n, rfc::quop::decodeBound(n),
+        [&](const uint8_t *in, size_t size, uint8_t *out) { return rfc::quop::decode(in, size, out, k); }, ok);
 }
 
 std::vector<uint8_t> encoded(const uint8_t *d, size_t n, int64_t limit, const rfc::Kernels &k)

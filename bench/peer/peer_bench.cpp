@@ -95,7 +95,8 @@ std::string canonical(MIME_CONTENT_TYPE *type)
     };
     std::string out = utf8(mimeContentTypeName(type));
     for (PB_INT i = 0; i < mimeContentTypeParametersLength(type); ++i)
-        out += ";" + utf8(mimeContentTypeParameterKeyAt(type, i)) + "=" + utf8(mimeContentTypeParameterValueAt(type, i));
+        out +=
+            ";" + utf8(mimeContentTypeParameterKeyAt(type, i)) + "=" + utf8(mimeContentTypeParameterValueAt(type, i));
     return out;
 }
 
@@ -131,7 +132,6 @@ void ctParse(const std::string &dir, long count)
         pbStringRelease(value);
     mimeOptionsRelease(mo);
 }
-
 
 // Part count and body bytes of an unpacked multipart body, as the harness checks them.
 struct Split {
@@ -216,12 +216,13 @@ void mpBig(const std::string &dir, long count, MIME_OPTIONS *mo)
 {
     Multipart m = loadMultipart(dir, "big", mo);
     Split got;
-    bulk(m.body, static_cast<size_t>(pbBufferLength(m.body)), count, "bodies are views, not copied",
-         [&](PB_BUFFER *body) {
-             got = split(m.type, body, mo);
-             return pbBufferCreate();
-         },
-         [&](PB_BUFFER *) { checkSplit(m, got); });
+    bulk(
+        m.body, static_cast<size_t>(pbBufferLength(m.body)), count, "bodies are views, not copied",
+        [&](PB_BUFFER *body) {
+            got = split(m.type, body, mo);
+            return pbBufferCreate();
+        },
+        [&](PB_BUFFER *) { checkSplit(m, got); });
     freeMultipart(m);
 }
 

@@ -23,7 +23,8 @@ PB_INT find(const PB_BYTE *hay, PB_INT n, PB_INT from, const PB_BYTE *needle, PB
     for (; i + 15 <= last; i += 16) {
         __m128i a = _mm_loadu_si128(reinterpret_cast<const __m128i *>(hay + i));
         __m128i b = _mm_loadu_si128(reinterpret_cast<const __m128i *>(hay + i + m - 1));
-        auto mask = static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, end))));
+        auto mask =
+            static_cast<unsigned>(_mm_movemask_epi8(_mm_and_si128(_mm_cmpeq_epi8(a, first), _mm_cmpeq_epi8(b, end))));
         for (; mask; mask &= mask - 1) {
             PB_INT at = i + __builtin_ctz(mask);
             if (std::memcmp(hay + at, needle, static_cast<size_t>(m)) == 0)

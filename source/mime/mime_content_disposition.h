@@ -27,8 +27,10 @@ MIME___PARAMETERIZED_DECL(ContentDisposition, MIME_CONTENT_DISPOSITION, Type)
  * quoted string accepted by the type rule), then parameters read as by
  * mimeContentTypeTryDecode, with the same RFC 2231 flag. */
 MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME_OPTIONS *mo) PB_NOEXCEPT;
-MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeCstr(const char *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
-MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWcstr(const wchar_t *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
+MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeCstr(const char *text, PB_INT length,
+                                                                       MIME_OPTIONS *mo) PB_NOEXCEPT;
+MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWcstr(const wchar_t *text, PB_INT length,
+                                                                        MIME_OPTIONS *mo) PB_NOEXCEPT;
 /** The header value: the registered spelling of the type, then the parameters as
  * mimeContentTypeEncode writes them; firstLineOffset is 21 for
  * "Content-Disposition: ". */

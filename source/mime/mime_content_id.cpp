@@ -1,8 +1,8 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_content_id.h>
-#include <pb/pb_text.hpp>
 #include <pb/pb_abort.h>
 #include <pb/pb_identifier.h>
+#include <pb/pb_text.hpp>
 
 using namespace mime::chars;
 

@@ -1,7 +1,7 @@
 #include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_shf_token_vector.h>
-#include <pb/pb_text.hpp>
 #include <pb/pb_ref.hpp>
+#include <pb/pb_text.hpp>
 
 #include <cstring>
 #if defined(__SSE2__)
@@ -138,4 +138,5 @@ PB_BOOL mimeContentTransferEncodingCheck(MIME_CONTENT_TRANSFER_ENCODING cte, PB_
                    cte == MIME_CONTENT_TRANSFER_ENCODING_8BIT);
 }
 
-PB___TEXT_VARIANTS(MIME_CONTENT_TRANSFER_ENCODING, mimeContentTransferEncodingTryDecode, (), (), (, MIME_OPTIONS *mo), (, mo))
+PB___TEXT_VARIANTS(MIME_CONTENT_TRANSFER_ENCODING, mimeContentTransferEncodingTryDecode, (), (), (, MIME_OPTIONS *mo),
+                   (, mo))

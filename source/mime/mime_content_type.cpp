@@ -10,8 +10,8 @@ struct MIME_CONTENT_TYPE {
     PB_DICT *parameters;
 };
 
-MIME___PARAMETERIZED_DEFINE(ContentType, MIME_CONTENT_TYPE, type, Name, name, name, mime___ContentTypeNameWireFormatDict,
-                            PB_ASSERT( name ))
+MIME___PARAMETERIZED_DEFINE(ContentType, MIME_CONTENT_TYPE, type, Name, name, name,
+                            mime___ContentTypeNameWireFormatDict, PB_ASSERT( name ))
 
 // Rule N: letters, digits, + - . _ and exactly one "/", neither first nor last.
 PB_BOOL mimeContentTypeNameOk(PB_STRING *name) noexcept
@@ -35,8 +35,8 @@ PB_BOOL mimeContentTypeNameOk(PB_STRING *name) noexcept
 void mime___ContentTypeStartup(void) noexcept
 {
     static const char *const registered[] = {
-        "application/EmergencyCallData.Comment+xml",    "application/EmergencyCallData.DeviceInfo+xml",
-        "application/EmergencyCallData.ProviderInfo+xml", "application/EmergencyCallData.ServiceInfo+xml",
+        "application/EmergencyCallData.Comment+xml",        "application/EmergencyCallData.DeviceInfo+xml",
+        "application/EmergencyCallData.ProviderInfo+xml",   "application/EmergencyCallData.ServiceInfo+xml",
         "application/EmergencyCallData.SubscriberInfo+xml", "application/EmergencyCallData.Control+xml",
         "application/EmergencyCallData.eCall.MSD",
     };

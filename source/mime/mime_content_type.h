@@ -32,7 +32,8 @@ MIME___PARAMETERIZED_DECL(ContentType, MIME_CONTENT_TYPE, Name)
  * With MIME_FLAG_PARSE_RFC2231_HEADERS the parameters are then decoded by RFC 2231. */
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) PB_NOEXCEPT;
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeCstr(const char *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
-MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWcstr(const wchar_t *text, PB_INT length, MIME_OPTIONS *mo) PB_NOEXCEPT;
+MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWcstr(const wchar_t *text, PB_INT length,
+                                                          MIME_OPTIONS *mo) PB_NOEXCEPT;
 /** The header value of contentType: the registered spelling of the name, then
  * ";key=value" for each parameter in key order (values as tokens or quoted
  * strings), folded by the options' wrap line length; firstLineOffset is the

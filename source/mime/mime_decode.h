@@ -21,9 +21,8 @@ PB_BEGIN_DECLS
  * checked. Without a Content-Transfer-Encoding field the body is taken as
  * binary; 7bit, 8bit and binary bodies come back as the entity's own buffer,
  * unchecked. The Content-Id comes back without its angle brackets. */
-MIME_API PB_BOOL mimeDecode(MIME_ENTITY *entity, MIME_OPTIONS *opt, PB_BUFFER **body,
-                            MIME_CONTENT_TYPE **contentType, MIME_CONTENT_DISPOSITION **contentDisposition,
-                            PB_STRING **contentId) PB_NOEXCEPT;
+MIME_API PB_BOOL mimeDecode(MIME_ENTITY *entity, MIME_OPTIONS *opt, PB_BUFFER **body, MIME_CONTENT_TYPE **contentType,
+                            MIME_CONTENT_DISPOSITION **contentDisposition, PB_STRING **contentId) PB_NOEXCEPT;
 
 PB_END_DECLS
 

@@ -52,10 +52,10 @@ PB_INT escapedScalar(const PB_BYTE *b, PB_INT n)
 // 4 "=" (0x3D), 8 DEL (0x7F), 16 every byte from 0x80.
 __attribute__((target("avx2"))) PB_INT escapedAvx2(const PB_BYTE *b, PB_INT n)
 {
-    const __m256i byLow = _mm256_setr_epi8(19, 19, 19, 19, 19, 19, 19, 19, 19, 18, 18, 19, 19, 22, 19, 27,
-                                           19, 19, 19, 19, 19, 19, 19, 19, 19, 18, 18, 19, 19, 22, 19, 27);
-    const __m256i byHigh = _mm256_setr_epi8(1, 2, 0, 4, 0, 0, 0, 8, 16, 16, 16, 16, 16, 16, 16, 16,
-                                            1, 2, 0, 4, 0, 0, 0, 8, 16, 16, 16, 16, 16, 16, 16, 16);
+    const __m256i byLow = _mm256_setr_epi8(19, 19, 19, 19, 19, 19, 19, 19, 19, 18, 18, 19, 19, 22, 19, 27, 19, 19, 19,
+                                           19, 19, 19, 19, 19, 19, 18, 18, 19, 19, 22, 19, 27);
+    const __m256i byHigh = _mm256_setr_epi8(1, 2, 0, 4, 0, 0, 0, 8, 16, 16, 16, 16, 16, 16, 16, 16, 1, 2, 0, 4, 0, 0, 0,
+                                            8, 16, 16, 16, 16, 16, 16, 16, 16);
     const __m256i nibble = _mm256_set1_epi8(0x0F), zero = _mm256_setzero_si256();
     __m256i plain = zero; // per lane: bytes not escaped, at most kBlock / 32
     PB_INT i = 0;
@@ -72,7 +72,8 @@ __attribute__((target("avx2"))) PB_INT escapedAvx2(const PB_BYTE *b, PB_INT n)
 }
 #endif
 
-PB_INT (*const escaped)(const PB_BYTE *, PB_INT) = [] {
+PB_INT (*const escaped)
+(const PB_BYTE *, PB_INT) = [] {
 #if defined(__x86_64__) && defined(__GNUC__)
     __builtin_cpu_init();
     if (__builtin_cpu_supports("avx2"))
@@ -98,7 +99,8 @@ bool quotedPrintableAtLeast(const PB_BYTE *b, PB_INT n, PB_INT limit)
         i += block;
         if (extra >= need)
             return true;
-        if (static_cast<double>(extra) * static_cast<double>(n) < 0.5 * static_cast<double>(need) * static_cast<double>(i))
+        if (static_cast<double>(extra) * static_cast<double>(n) <
+            0.5 * static_cast<double>(need) * static_cast<double>(i))
             return false;
     }
     return false;
@@ -171,15 +173,14 @@ MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *c
 
 namespace {
 
-template <class CharT>
-MIME_ENTITY *encodeWithText(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
-                            MIME_CONTENT_DISPOSITION *contentDisposition, const CharT *optionalContentId, PB_INT length)
+template <class CharT> MIME_ENTITY *encodeWithText(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
+                                                   MIME_CONTENT_DISPOSITION *contentDisposition,
+                                                   const CharT *optionalContentId, PB_INT length)
 {
     if (!optionalContentId)
         return mimeEncode(opt, body, contentType, contentDisposition, nullptr);
-    return pb::withText(optionalContentId, length, [&](PB_STRING *id) {
-        return mimeEncode(opt, body, contentType, contentDisposition, id);
-    });
+    return pb::withText(optionalContentId, length,
+                        [&](PB_STRING *id) { return mimeEncode(opt, body, contentType, contentDisposition, id); });
 }
 
 } // namespace

@@ -92,10 +92,10 @@ MIME___ENTITY_FIELD(ContentTransferEncoding, contentTransferEncoding, PB_STRING)
 MIME___ENTITY_FIELD(ContentId, contentId, PB_STRING)
 MIME___ENTITY_FIELD(Body, body, PB_BUFFER)
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentType, (MIME_ENTITY **ent,), (ent,), (), ())
+PB___TEXT_VARIANTS(void, mimeEntitySetContentType, (MIME_ENTITY * *ent, ), (ent, ), (), ())
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentDisposition, (MIME_ENTITY **ent,), (ent,), (), ())
+PB___TEXT_VARIANTS(void, mimeEntitySetContentDisposition, (MIME_ENTITY * *ent, ), (ent, ), (), ())
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentTransferEncoding, (MIME_ENTITY **ent,), (ent,), (), ())
+PB___TEXT_VARIANTS(void, mimeEntitySetContentTransferEncoding, (MIME_ENTITY * *ent, ), (ent, ), (), ())
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentId, (MIME_ENTITY **ent,), (ent,), (), ())
+PB___TEXT_VARIANTS(void, mimeEntitySetContentId, (MIME_ENTITY * *ent, ), (ent, ), (), ())

@@ -64,7 +64,8 @@ MIME_API PB_STRING *mimeEntityContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXC
 MIME_API PB_BOOL mimeEntityHasContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentTransferEncoding(MIME_ENTITY **ent, PB_STRING *contentTransferEncoding) PB_NOEXCEPT;
 MIME_API void mimeEntitySetContentTransferEncodingCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
-MIME_API void mimeEntitySetContentTransferEncodingWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
+MIME_API void mimeEntitySetContentTransferEncodingWcstr(MIME_ENTITY **ent, const wchar_t *text,
+                                                        PB_INT length) PB_NOEXCEPT;
 MIME_API void mimeEntityDelContentTransferEncoding(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 /** The Content-Id value: a new reference, or null when absent; whether it is

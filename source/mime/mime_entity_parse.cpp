@@ -47,7 +47,7 @@ enum Field { kContentType, kContentDisposition, kContentTransferEncoding, kConte
 int fieldOf(const PB_BYTE *name, PB_INT n)
 {
     static constexpr std::string_view names[kFieldCount] = {"content-type", "content-disposition",
-                                                             "content-transfer-encoding", "content-id"};
+                                                            "content-transfer-encoding", "content-id"};
     int f = -1;
     for (int g = 0; g < kFieldCount; ++g)
         if (static_cast<size_t>(n) == names[g].size())

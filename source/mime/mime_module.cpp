@@ -51,13 +51,16 @@ constinit const PB_MODULE_RECORD mime___module_record = {
     "",
 };
 
-constinit const PB_MODULE mime___module = {
-    PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_MODULE), &mime___module_record, mime___ModuleStartup, nullptr,
-    mime___ModuleShutdown, {}};
+constinit const PB_MODULE mime___module = {PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_MODULE),
+                                           &mime___module_record,
+                                           mime___ModuleStartup,
+                                           nullptr,
+                                           mime___ModuleShutdown,
+                                           {}};
 
 constinit const char *const mime___module_version_string =
     CORVANE_VERSION_MARKER " " CORVANE_PRODUCT_NAME "-" CORVANE_VERSION_TEXT " (" CORVANE_BUILD_PLATFORM
-    ", " CORVANE_BUILD_ARCH ", " CORVANE_BUILD_TYPE "), mime 0.0";
+                           ", " CORVANE_BUILD_ARCH ", " CORVANE_BUILD_TYPE "), mime 0.0";
 
 static_assert(sizeof(PB_MODULE) == 19 * 8);
 static_assert(sizeof(PB_MODULE_RECORD) == 14 * 8);

@@ -2,9 +2,9 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_multipart.h>
-#include <pb/pb_text.hpp>
 #include <pb/pb_random.h>
 #include <pb/pb_ref.hpp>
+#include <pb/pb_text.hpp>
 #include <pb/pb_utf8.hpp>
 
 #include <cstring>
@@ -164,8 +164,8 @@ public:
     }
 
 private:
-    static constexpr std::string_view kNames[4] = {"Content-Type: ", "Content-Disposition: ",
-                                                    "Content-Transfer-Encoding: ", "Content-Id: "};
+    static constexpr std::string_view kNames[4] = {
+        "Content-Type: ", "Content-Disposition: ", "Content-Transfer-Encoding: ", "Content-Id: "};
     Ref<PB_STRING> values_[4];
     Ref<PB_BUFFER> body_;
 };

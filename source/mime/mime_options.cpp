@@ -83,8 +83,8 @@ PB_INT mime___OptionsCompareFunc(PB_OBJ *thisObj, PB_OBJ *thatObj) noexcept
 }
 
 // The last step of every setter and reset: unshare, then write mark and value.
-template <class T> void store(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T MIME_OPTIONS::*field, int32_t isDefault,
-                              T value)
+template <class T>
+void store(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T MIME_OPTIONS::*field, int32_t isDefault, T value)
 {
     PB_OBJ_UNSHARE((*mo), mimeOptionsCreateFrom);
     (*mo)->*mark = isDefault;
@@ -92,8 +92,8 @@ template <class T> void store(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T 
 }
 
 // The same for a codec options field: takes a reference to value first.
-template <class T> void storeObject(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T *MIME_OPTIONS::*field,
-                                    int32_t isDefault, T *value)
+template <class T>
+void storeObject(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T *MIME_OPTIONS::*field, int32_t isDefault, T *value)
 {
     PB_OBJ_UNSHARE((*mo), mimeOptionsCreateFrom);
     (*mo)->*mark = isDefault;

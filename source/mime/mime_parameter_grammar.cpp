@@ -1,8 +1,8 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_parameter_grammar.hpp>
-#include <mime/mime_shf_token.h>
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_rfc2231.hpp>
+#include <mime/mime_shf_token.h>
 #include <pb/pb_ref.hpp>
 
 namespace mime::parameters {
@@ -129,18 +129,22 @@ PB_DICT *decodedRfc2231(const Collected &collected)
     for (size_t i = 0; i < collected.pairs.size(); ++i) {
         const Collected::Pair &p = collected.pairs.data()[i];
         const PB_CHAR *c = collected.chars.data();
-        entries.push_back({{c + p.key, static_cast<PB_INT>(p.keyLength)}, {c + p.value, static_cast<PB_INT>(p.valueLength)}});
+        entries.push_back(
+            {{c + p.key, static_cast<PB_INT>(p.keyLength)}, {c + p.value, static_cast<PB_INT>(p.valueLength)}});
     }
     struct Context {
         const Collected &collected;
         PB_DICT *result;
     } context{collected, pbDictCreate()};
-    mime::rfc2231::decode(entries.data(), entries.size(), [](void *c, size_t entry, Span name, PB_STRING *decoded) {
-        auto *ctx = static_cast<Context *>(c);
-        const Collected::Pair &p = ctx->collected.pairs.data()[entry];
-        set(&ctx->result, adopt(pbStringCreateFromCharsCopy(name.chars, name.length)),
-            decoded ? pb::retained(decoded) : adopt(ctx->collected.string(p.value, p.valueLength)));
-    }, &context);
+    mime::rfc2231::decode(
+        entries.data(), entries.size(),
+        [](void *c, size_t entry, Span name, PB_STRING *decoded) {
+            auto *ctx = static_cast<Context *>(c);
+            const Collected::Pair &p = ctx->collected.pairs.data()[entry];
+            set(&ctx->result, adopt(pbStringCreateFromCharsCopy(name.chars, name.length)),
+                decoded ? pb::retained(decoded) : adopt(ctx->collected.string(p.value, p.valueLength)));
+        },
+        &context);
     return context.result;
 }
 
@@ -199,7 +203,8 @@ void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
     for (PB_INT i = 0; i < pbDictLength(written.get()); ++i) {
         Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(written.get(), i)));
         Ref<PB_STRING> value = adopt(pbStringFrom(pbDictValueAt(written.get(), i)));
-        if (!(flags & MIME_FLAG_GENERATE_UNICODE_HEADERS) && !chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get())))
+        if (!(flags & MIME_FLAG_GENERATE_UNICODE_HEADERS) &&
+            !chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get())))
             continue;
         appendToken(tokens, mimeShfTokenCreateTspecial(';'));
         appendToken(tokens, mimeShfTokenCreateRawValue(key.get()));

@@ -132,7 +132,7 @@ PB_STRING *text(PB_STRING *label, PB_DICT *parameters) noexcept;
         pb::Ref<PB_STRING> normalized = pb::adopt(mime##Name##Label##Normalize(label)); \
         pb::setField((*obj)->field, normalized.get()); \
     } \
-    PB___TEXT_VARIANTS(void, mime##Name##Set##Label, (NAME * *obj,), (obj,), (), ()) \
+    PB___TEXT_VARIANTS(void, mime##Name##Set##Label, (NAME * *obj, ), (obj, ), (), ()) \
     PB_BOOL mime##Name##ParameterKeyOk(PB_STRING *key) noexcept \
     { \
         return mime::parameterized::keyOk(key); \
@@ -147,13 +147,13 @@ PB_STRING *text(PB_STRING *label, PB_DICT *parameters) noexcept;
         PB_ASSERT( obj ); \
         return pbStringFrom(pbDictStringKey(obj->parameters, mime___##Name##Key(key).get())); \
     } \
-    PB___TEXT_VARIANTS(PB_STRING *, mime##Name##Parameter, (NAME * obj,), (obj,), (), ()) \
+    PB___TEXT_VARIANTS(PB_STRING *, mime##Name##Parameter, (NAME * obj, ), (obj, ), (), ()) \
     PB_BOOL mime##Name##HasParameter(NAME *obj, PB_STRING *key) noexcept \
     { \
         PB_ASSERT( obj ); \
         return pbDictHasStringKey(obj->parameters, mime___##Name##Key(key).get()); \
     } \
-    PB___TEXT_VARIANTS(PB_BOOL, mime##Name##HasParameter, (NAME * obj,), (obj,), (), ()) \
+    PB___TEXT_VARIANTS(PB_BOOL, mime##Name##HasParameter, (NAME * obj, ), (obj, ), (), ()) \
     void mime##Name##SetParameter(NAME **obj, PB_STRING *key, PB_STRING *value) noexcept \
     { \
         PB_ASSERT_REF(obj); \
@@ -162,7 +162,7 @@ PB_STRING *text(PB_STRING *label, PB_DICT *parameters) noexcept;
         PB_OBJ_UNSHARE((*obj), mime##Name##CreateFrom); \
         pbDictSetStringKey(&(*obj)->parameters, normalized.get(), pbStringObj(value)); \
     } \
-    PB___TEXT_VARIANTS(void, mime##Name##SetParameter, (NAME * *obj,), (obj,), (, PB_STRING *value), (, value)) \
+    PB___TEXT_VARIANTS(void, mime##Name##SetParameter, (NAME * *obj, ), (obj, ), (, PB_STRING * value), (, value)) \
     MIME___PARAMETERIZED_SET_TEXT_VALUE(Name, NAME, obj, Cstr, char, Cstr, char) \
     MIME___PARAMETERIZED_SET_TEXT_VALUE(Name, NAME, obj, Cstr, char, Wcstr, wchar_t) \
     MIME___PARAMETERIZED_SET_TEXT_VALUE(Name, NAME, obj, Wcstr, wchar_t, Cstr, char) \
@@ -174,7 +174,7 @@ PB_STRING *text(PB_STRING *label, PB_DICT *parameters) noexcept;
         PB_OBJ_UNSHARE((*obj), mime##Name##CreateFrom); \
         pbDictDelStringKey(&(*obj)->parameters, normalized.get()); \
     } \
-    PB___TEXT_VARIANTS(void, mime##Name##DelParameter, (NAME * *obj,), (obj,), (), ()) \
+    PB___TEXT_VARIANTS(void, mime##Name##DelParameter, (NAME * *obj, ), (obj, ), (), ()) \
     void mime##Name##ClearParameters(NAME **obj) noexcept \
     { \
         PB_ASSERT_REF(obj); \

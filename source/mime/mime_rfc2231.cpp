@@ -154,9 +154,8 @@ public:
     {
         for (size_t i = 0; i < visits.size(); ++i)
             add(entries[visits.data()[i]].key, visits.data()[i]);
-        std::sort(keys_.data(), keys_.data() + keys_.size(), [](const Key &a, const Key &b) {
-            return less(a, b.name, b.number, b.encoded);
-        });
+        std::sort(keys_.data(), keys_.data() + keys_.size(),
+                  [](const Key &a, const Key &b) { return less(a, b.name, b.number, b.encoded); });
     }
 
     // Lookups for one name, in the order (1, encoded), (1, plain), (2, encoded), ...
@@ -170,7 +169,8 @@ public:
             size_t count = s_.keys_.size();
             while (at_ < count && less(keys[at_], name_, n, encoded))
                 ++at_;
-            if (at_ < count && keys[at_].number == n && keys[at_].encoded == encoded && order(keys[at_].name, name_) == 0)
+            if (at_ < count && keys[at_].number == n && keys[at_].encoded == encoded &&
+                order(keys[at_].name, name_) == 0)
                 return static_cast<PB_INT>(keys[at_].entry);
             return -1;
         }
@@ -304,8 +304,9 @@ void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *co
             put(context, i, name, nullptr);
             continue;
         }
-        Ref<PB_STRING> text = adopt(suffix == 1 ? decodeExtended(entries[i].value)
-                                                : joinContinuation(entries, segments, name, entries[i].value, suffix == 3));
+        Ref<PB_STRING> text =
+            adopt(suffix == 1 ? decodeExtended(entries[i].value)
+                              : joinContinuation(entries, segments, name, entries[i].value, suffix == 3));
         if (text)
             put(context, i, name, text.get());
     }
@@ -328,15 +329,18 @@ PB_DICT *mime___Rfc2231Decode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
         std::vector<Ref<PB_STRING>> &keys, &values;
         Ref<PB_DICT> result;
     } context{keys, values, adopt(pbDictCreate())};
-    mime::rfc2231::decode(entries.data(), entries.size(), [](void *c, size_t entry, Span name, PB_STRING *decoded) {
-        auto *ctx = static_cast<Context *>(c);
-        if (!decoded) {
-            pbDictSetStringKey(ctx->result.addr(), ctx->keys[entry].get(), pbStringObj(ctx->values[entry].get()));
-            return;
-        }
-        Ref<PB_STRING> key = adopt(pbStringCreateFromCharsCopy(name.chars, name.length));
-        pbDictSetStringKey(ctx->result.addr(), key.get(), pbStringObj(decoded));
-    }, &context);
+    mime::rfc2231::decode(
+        entries.data(), entries.size(),
+        [](void *c, size_t entry, Span name, PB_STRING *decoded) {
+            auto *ctx = static_cast<Context *>(c);
+            if (!decoded) {
+                pbDictSetStringKey(ctx->result.addr(), ctx->keys[entry].get(), pbStringObj(ctx->values[entry].get()));
+                return;
+            }
+            Ref<PB_STRING> key = adopt(pbStringCreateFromCharsCopy(name.chars, name.length));
+            pbDictSetStringKey(ctx->result.addr(), key.get(), pbStringObj(decoded));
+        },
+        &context);
     return context.result.release();
 }
 
@@ -416,8 +420,9 @@ PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
         const char *suffix = plain ? "" : "*";
         PB_INT count = pbVectorLength(segments.get());
         for (PB_INT n = 0; n < count; ++n) {
-            Ref<PB_STRING> key = adopt(count == 1 ? pbStringCreateFromFormatCstr("%s%lc", -1, name.get(), suffix)
-                                                  : pbStringCreateFromFormatCstr("%s*%i%lc", -1, name.get(), n, suffix));
+            Ref<PB_STRING> key =
+                adopt(count == 1 ? pbStringCreateFromFormatCstr("%s%lc", -1, name.get(), suffix)
+                                 : pbStringCreateFromFormatCstr("%s*%i%lc", -1, name.get(), n, suffix));
             Ref<PB_OBJ> segment = adopt(pbVectorObjAt(segments.get(), n));
             pbDictSetStringKey(result.addr(), key.get(), segment.get());
         }

@@ -2,9 +2,9 @@
 #include <mime/mime_shf_scanner.hpp>
 #include <mime/mime_shf_token.hpp>
 #include <mime/mime_shf_token_vector.h>
-#include <pb/pb_text.hpp>
 #include <pb/pb_int.h>
 #include <pb/pb_ref.hpp>
+#include <pb/pb_text.hpp>
 
 namespace {
 
@@ -30,7 +30,15 @@ bool isJoiningSeparator(MIME_SHF_TOKEN *tok)
         return false;
     Ref<PB_STRING> raw = adopt(mimeShfTokenRawValue(tok));
     switch (pbStringCharAt(raw.get(), 0)) {
-    case '@': case ',': case ';': case ':': case '\\': case '"': case '/': case '?': case '=':
+    case '@':
+    case ',':
+    case ';':
+    case ':':
+    case '\\':
+    case '"':
+    case '/':
+    case '?':
+    case '=':
         return true;
     default:
         return false;

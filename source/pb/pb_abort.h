@@ -24,8 +24,7 @@ PB_END_DECLS
 
 /** Always on, whatever NDEBUG says. */
 #define PB_ASSERT(expr) (PB_LIKELY(expr) ? (void)0 : pb___Abort(NULL, __FILE__, __LINE__, #expr))
-#define PB_ASSERT_MSG(message, expr) \
-    (PB_LIKELY(expr) ? (void)0 : pb___Abort(message, __FILE__, __LINE__, #expr))
+#define PB_ASSERT_MSG(message, expr) (PB_LIKELY(expr) ? (void)0 : pb___Abort(message, __FILE__, __LINE__, #expr))
 #define PB_ABORT() pb___Abort(NULL, __FILE__, __LINE__, NULL)
 #define PB_ABORT_MSG(message) pb___Abort(message, __FILE__, __LINE__, NULL)
 

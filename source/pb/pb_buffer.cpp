@@ -21,7 +21,10 @@ struct Storage {
     PB_BYTE *bytes() { return reinterpret_cast<PB_BYTE *>(this + 1); }
 };
 
-std::atomic_ref<int64_t> refsOf(Storage *st) { return std::atomic_ref<int64_t>(st->refs); }
+std::atomic_ref<int64_t> refsOf(Storage *st)
+{
+    return std::atomic_ref<int64_t>(st->refs);
+}
 
 // Large storage asks for huge pages where the system grants them on request:
 // filling a fresh body of many megabytes then costs a few page faults instead of
@@ -66,7 +69,10 @@ namespace {
 
 const PB_BYTE emptyBacking[1] = {0};
 
-PB_INT byteSpan(const PB_BUFFER *b) { return (b->bitLength + 7) / 8; }
+PB_INT byteSpan(const PB_BUFFER *b)
+{
+    return (b->bitLength + 7) / 8;
+}
 
 extern "C" {
 static void pb___BufferFreeFunc(PB_OBJ *obj) noexcept;
@@ -76,8 +82,7 @@ static PB_STRING *pb___BufferToStringFunc(PB_OBJ *obj) noexcept;
 
 } // namespace
 
-PB___SORT_DEFINE(pb, Buffer, PB_BUFFER, nullptr, pb___BufferFreeFunc, pb___BufferCompareFunc,
-                 pb___BufferToStringFunc)
+PB___SORT_DEFINE(pb, Buffer, PB_BUFFER, nullptr, pb___BufferFreeFunc, pb___BufferCompareFunc, pb___BufferToStringFunc)
 
 namespace {
 
@@ -167,7 +172,10 @@ void reserve(PB_BUFFER **buf, PB_INT extraBytes)
     b->offset = 0;
 }
 
-PB_BYTE *writable(PB_BUFFER *b) { return b->storage->bytes() + b->offset; }
+PB_BYTE *writable(PB_BUFFER *b)
+{
+    return b->storage->bytes() + b->offset;
+}
 
 } // namespace
 

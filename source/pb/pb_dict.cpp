@@ -142,7 +142,7 @@ void pbDictClear(PB_DICT **dict) noexcept
     pb::mapClear((*dict)->map);
 }
 
-PB___TEXT_VARIANTS(PB_OBJ *, pbDictStringKey, (PB_DICT * dict,), (dict,), (), ())
-PB___TEXT_VARIANTS(PB_BOOL, pbDictHasStringKey, (PB_DICT * dict,), (dict,), (), ())
-PB___TEXT_VARIANTS(void, pbDictSetStringKey, (PB_DICT * *dict,), (dict,), (, PB_OBJ *value), (, value))
-PB___TEXT_VARIANTS(void, pbDictDelStringKey, (PB_DICT * *dict,), (dict,), (), ())
+PB___TEXT_VARIANTS(PB_OBJ *, pbDictStringKey, (PB_DICT * dict, ), (dict, ), (), ())
+PB___TEXT_VARIANTS(PB_BOOL, pbDictHasStringKey, (PB_DICT * dict, ), (dict, ), (), ())
+PB___TEXT_VARIANTS(void, pbDictSetStringKey, (PB_DICT * *dict, ), (dict, ), (, PB_OBJ *value), (, value))
+PB___TEXT_VARIANTS(void, pbDictDelStringKey, (PB_DICT * *dict, ), (dict, ), (), ())

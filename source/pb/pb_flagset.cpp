@@ -76,7 +76,10 @@ bool isSeparator(PB_CHAR c)
     return c == ',' || c == '|' || c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-PB_CHAR fold(PB_CHAR c) { return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c; }
+PB_CHAR fold(PB_CHAR c)
+{
+    return c >= 'A' && c <= 'Z' ? c + ('a' - 'A') : c;
+}
 
 bool sameName(PB_STRING *name, const PB_CHAR *chars, PB_INT n)
 {
@@ -129,7 +132,8 @@ void pbFlagsetSetFlag(PB_FLAGSET **set, PB_STRING *name, uint64_t value) noexcep
     auto *flags = static_cast<Flag *>(std::realloc(s->flags, sizeof(Flag) * static_cast<size_t>(s->length + 1)));
     PB_ASSERT_MSG("out of memory", flags);
     s->flags = flags;
-    Flag *pos = std::upper_bound(flags, flags + s->length, value, [](uint64_t v, const Flag &f) { return v < f.value; });
+    Flag *pos =
+        std::upper_bound(flags, flags + s->length, value, [](uint64_t v, const Flag &f) { return v < f.value; });
     std::copy_backward(pos, flags + s->length, flags + s->length + 1);
     *pos = Flag{pbStringRetain(name), value};
     ++s->length;
@@ -176,6 +180,6 @@ PB_STRING *pbFlagsetGenerate(PB_FLAGSET *set, uint64_t bits) noexcept
     return s;
 }
 
-PB___TEXT_VARIANTS(void, pbFlagsetSetFlag, (PB_FLAGSET * *set,), (set,), (, uint64_t value), (, value))
-PB___TEXT_VARIANTS(PB_BOOL, pbFlagsetHasFlag, (PB_FLAGSET * set,), (set,), (), ())
-PB___TEXT_VARIANTS(uint64_t, pbFlagsetParse, (PB_FLAGSET * set,), (set,), (), ())
+PB___TEXT_VARIANTS(void, pbFlagsetSetFlag, (PB_FLAGSET * *set, ), (set, ), (, uint64_t value), (, value))
+PB___TEXT_VARIANTS(PB_BOOL, pbFlagsetHasFlag, (PB_FLAGSET * set, ), (set, ), (), ())
+PB___TEXT_VARIANTS(uint64_t, pbFlagsetParse, (PB_FLAGSET * set, ), (set, ), (), ())

@@ -12,20 +12,20 @@ PB_BEGIN_DECLS
 
 /** Module record: fourteen words describing a module and the build it came from. */
 typedef struct PB_MODULE_RECORD {
-    int64_t format;              /* record format number: 2 */
+    int64_t format; /* record format number: 2 */
     const char *productName;
-    const char *productName2;    /* the product name again */
+    const char *productName2; /* the product name again */
     int64_t versionMajor;
     int64_t versionMinor;
     int64_t versionPatch;
-    const char *buildTime;       /* "UTC 2026-11-22 20:35:04 (Sunday)" */
+    const char *buildTime; /* "UTC 2026-11-22 20:35:04 (Sunday)" */
     const char *company;
     const char *copyright;
     const char *moduleName;
     const char *description;
     const char *moduleVersion;
-    const char *dependencies;    /* module names separated by one space */
-    const char *further;         /* empty */
+    const char *dependencies; /* module names separated by one space */
+    const char *further;      /* empty */
 } PB_MODULE_RECORD;
 
 #define PB_MODULE_RECORD_FORMAT 2
@@ -35,12 +35,12 @@ typedef void (*PB_MODULE_SHUTDOWN_FUNC)(void);
 
 /** Module object: nineteen words. */
 struct PB_MODULE {
-    PB_OBJ_HEADER header;              /* PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_MODULE) */
+    PB_OBJ_HEADER header; /* PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_MODULE) */
     const PB_MODULE_RECORD *record;
-    PB_MODULE_STARTUP_FUNC startup;    /* returns true when the module is ready */
-    const void *reserved1;             /* null */
+    PB_MODULE_STARTUP_FUNC startup; /* returns true when the module is ready */
+    const void *reserved1;          /* null */
     PB_MODULE_SHUTDOWN_FUNC shutdown;
-    const void *reserved2[5];          /* null */
+    const void *reserved2[5]; /* null */
 };
 
 /** Runs the module's start-up routine and returns its result. Call it once,

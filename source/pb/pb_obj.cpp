@@ -19,10 +19,10 @@ static PB_STRING *pb___ModuleToStringFunc(PB_OBJ *obj) noexcept;
 }
 
 // Static records are objects too: their sort is one of these two.
-constinit const PB_SORT sortOfSorts = {PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), nullptr, "PB_SORT", nullptr,
-                                       nullptr, pb___SortToStringFunc, {}};
-constinit const PB_SORT sortOfModules = {PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), nullptr, "PB_MODULE", nullptr,
-                                         nullptr, pb___ModuleToStringFunc, {}};
+constinit const PB_SORT sortOfSorts = {
+    PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), nullptr, "PB_SORT", nullptr, nullptr, pb___SortToStringFunc, {}};
+constinit const PB_SORT sortOfModules = {
+    PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), nullptr, "PB_MODULE", nullptr, nullptr, pb___ModuleToStringFunc, {}};
 
 PB_STRING *pb___SortToStringFunc(PB_OBJ *obj) noexcept
 {

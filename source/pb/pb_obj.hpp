@@ -25,7 +25,10 @@ inline PB_OBJ_HEADER *header(const void *obj) noexcept
     return static_cast<PB_OBJ_HEADER *>(const_cast<void *>(obj));
 }
 
-template <class T> inline PB_OBJ *obj(T *p) noexcept { return reinterpret_cast<PB_OBJ *>(p); }
+template <class T> inline PB_OBJ *obj(T *p) noexcept
+{
+    return reinterpret_cast<PB_OBJ *>(p);
+}
 
 inline std::atomic_ref<int64_t> refCount(const void *obj) noexcept
 {

@@ -23,7 +23,10 @@ struct Generator {
 
 thread_local Generator generator{{0, 0, 0, 0}, 0};
 
-uint64_t rotl(uint64_t x, int k) { return (x << k) | (x >> (64 - k)); }
+uint64_t rotl(uint64_t x, int k)
+{
+    return (x << k) | (x >> (64 - k));
+}
 
 // xoshiro256** step.
 uint64_t step(uint64_t *s)

@@ -30,8 +30,8 @@ public:
     Ref &operator=(const Ref &) = delete;
     ~Ref() { reset(); }
 
-    T *get() const noexcept { return p_; }                 // borrow: no count change
-    T **addr() noexcept { return &p_; }                    // for changing operations
+    T *get() const noexcept { return p_; } // borrow: no count change
+    T **addr() noexcept { return &p_; }    // for changing operations
     [[nodiscard]] T *release() noexcept { return std::exchange(p_, nullptr); }
     void reset(T *adopted = nullptr) noexcept
     {
@@ -46,7 +46,13 @@ private:
     T *p_ = nullptr;
 };
 
-template <class T> inline Ref<T> adopt(T *p) noexcept { return Ref<T>::adopt(p); }
-template <class T> inline Ref<T> retained(T *p) noexcept { return Ref<T>::retain(p); }
+template <class T> inline Ref<T> adopt(T *p) noexcept
+{
+    return Ref<T>::adopt(p);
+}
+template <class T> inline Ref<T> retained(T *p) noexcept
+{
+    return Ref<T>::retain(p);
+}
 
 } // namespace pb

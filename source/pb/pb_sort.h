@@ -13,11 +13,11 @@ PB_BEGIN_DECLS
 
 /** The ten words that start every object. */
 typedef struct PB_OBJ_HEADER {
-    int64_t kind;            /* word 1: PB_OBJ_KIND_... */
-    const PB_SORT *sort;     /* word 2: sort of a heap object; 0 in static records */
-    int64_t size;            /* word 3: allocation size in bytes; -1 for static objects */
-    int64_t refCount;        /* word 4: reference count; changed atomically only */
-    int64_t reserved[6];     /* words 5-10: 0 */
+    int64_t kind;        /* word 1: PB_OBJ_KIND_... */
+    const PB_SORT *sort; /* word 2: sort of a heap object; 0 in static records */
+    int64_t size;        /* word 3: allocation size in bytes; -1 for static objects */
+    int64_t refCount;    /* word 4: reference count; changed atomically only */
+    int64_t reserved[6]; /* words 5-10: 0 */
 } PB_OBJ_HEADER;
 
 #define PB_OBJ_KIND_HEAP 0   /* created by pb___ObjCreate, freed at count 0 */
@@ -25,7 +25,13 @@ typedef struct PB_OBJ_HEADER {
 #define PB_OBJ_KIND_MODULE 2 /* a static module object */
 
 /** Header of a static record: never freed; retain and release leave its count at 1. */
-#define PB_OBJ_HEADER_STATIC(kind) { (kind), 0, -1, 1, { 0, 0, 0, 0, 0, 0 } }
+#define PB_OBJ_HEADER_STATIC(kind) \
+    { \
+        (kind), 0, -1, 1, \
+        { \
+            0, 0, 0, 0, 0, 0 \
+        } \
+    }
 
 typedef void (*PB_SORT_FREE_FUNC)(PB_OBJ *obj);
 typedef PB_INT (*PB_SORT_COMPARE_FUNC)(PB_OBJ *a, PB_OBJ *b);

@@ -13,7 +13,9 @@
 #include <pb/pb_obj.hpp>
 
 #define PB___SORT_RECORD(module, NAME, freeFunc, compareFunc, toStringFunc) \
-    { PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), (module), #NAME, (freeFunc), (compareFunc), (toStringFunc), {} }
+    { \
+        PB_OBJ_HEADER_STATIC(PB_OBJ_KIND_SORT), (module), #NAME, (freeFunc), (compareFunc), (toStringFunc), {} \
+    }
 
 #define PB___SORT_DEFINE(prefix, Name, NAME, module, freeFunc, compareFunc, toStringFunc) \
     static constinit const PB_SORT prefix##___sort_##NAME = \
@@ -21,7 +23,10 @@
     PB___SORT_STDFUNCS(prefix, Name, NAME, NAME)
 
 #define PB___SORT_STDFUNCS(prefix, Name, NAME, TYPE) \
-    const PB_SORT *prefix##Name##Sort(void) noexcept { return &prefix##___sort_##NAME; } \
+    const PB_SORT *prefix##Name##Sort(void) noexcept \
+    { \
+        return &prefix##___sort_##NAME; \
+    } \
     TYPE *prefix##Name##Retain(TYPE *obj) noexcept \
     { \
         if (!obj) \
@@ -35,12 +40,14 @@
             pb___Abort("stdfunc release", __FILE__, __LINE__, "obj"); \
         pb::release(obj); \
     } \
-    PB_OBJ *prefix##Name##Obj(TYPE *obj) noexcept { return reinterpret_cast<PB_OBJ *>(obj); } \
+    PB_OBJ *prefix##Name##Obj(TYPE *obj) noexcept \
+    { \
+        return reinterpret_cast<PB_OBJ *>(obj); \
+    } \
     TYPE *prefix##Name##From(PB_OBJ *obj) noexcept \
     { \
         if (obj && pbObjSort(obj) != &prefix##___sort_##NAME) \
-            pb___Abort("stdfunc from", __FILE__, __LINE__, \
-                       "!obj || pbObjSort(obj)==&" #prefix "___sort_" #NAME); \
+            pb___Abort("stdfunc from", __FILE__, __LINE__, "!obj || pbObjSort(obj)==&" #prefix "___sort_" #NAME); \
         return reinterpret_cast<TYPE *>(obj); \
     } \
     PB_STRING *prefix##Name##ToString(TYPE *obj) noexcept \

@@ -21,7 +21,10 @@ PB_INT keyOrder(PB_OBJ *a, PB_OBJ *b)
     return pbObjCompare(a, b);
 }
 
-int32_t sizeOf(const Map &m, int32_t t) { return t < 0 ? 0 : m.nodes[t].size; }
+int32_t sizeOf(const Map &m, int32_t t)
+{
+    return t < 0 ? 0 : m.nodes[t].size;
+}
 
 void update(Map &m, int32_t t)
 {

@@ -17,30 +17,30 @@
 namespace pb {
 
 struct MapNode {
-    PB_OBJ *key;     // null while the node is on the free list
-    PB_OBJ *value;   // null for an integer entry of a store
-    PB_INT number;   // integer value of a store entry
+    PB_OBJ *key;   // null while the node is on the free list
+    PB_OBJ *value; // null for an integer entry of a store
+    PB_INT number; // integer value of a store entry
     uint64_t priority;
     int32_t left, right;
-    int32_t kind;    // store: kind of value; dictionary: 0
-    int32_t size;    // nodes in the subtree rooted here
+    int32_t kind; // store: kind of value; dictionary: 0
+    int32_t size; // nodes in the subtree rooted here
 };
 
 // A plain aggregate, so that it can live inside a runtime object.
 struct Map {
     MapNode *nodes;
-    int32_t used;     // nodes handed out so far (live or free)
+    int32_t used; // nodes handed out so far (live or free)
     int32_t capacity;
     int32_t root;     // -1: empty
     int32_t freeList; // -1: none; linked through left
 };
 
 void mapInit(Map &m) noexcept;
-void mapCopy(Map &to, const Map &from) noexcept;   // retains every key and value
-void mapDestroy(Map &m) noexcept;                  // releases every key and value
+void mapCopy(Map &to, const Map &from) noexcept; // retains every key and value
+void mapDestroy(Map &m) noexcept;                // releases every key and value
 PB_INT mapLength(const Map &m) noexcept;
-int32_t mapFind(const Map &m, PB_OBJ *key) noexcept;      // -1 when absent
-int32_t mapAt(const Map &m, PB_INT index) noexcept;       // 0 <= index < length
+int32_t mapFind(const Map &m, PB_OBJ *key) noexcept; // -1 when absent
+int32_t mapAt(const Map &m, PB_INT index) noexcept;  // 0 <= index < length
 // Returns the node for key, inserting an empty node (value null, number 0, kind 0)
 // with a new reference to key when absent. The value fields are the caller's to set.
 int32_t mapInsert(Map &m, PB_OBJ *key) noexcept;

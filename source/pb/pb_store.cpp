@@ -22,8 +22,7 @@ static PB_STRING *pb___StoreToStringFunc(PB_OBJ *obj) noexcept;
 
 } // namespace
 
-PB___SORT_DEFINE(pb, Store, PB_STORE, nullptr, pb___StoreFreeFunc, pb___StoreCompareFunc,
-                 pb___StoreToStringFunc)
+PB___SORT_DEFINE(pb, Store, PB_STORE, nullptr, pb___StoreFreeFunc, pb___StoreCompareFunc, pb___StoreToStringFunc)
 
 namespace {
 
@@ -162,9 +161,9 @@ PB_STORE *pbStoreStore(PB_STORE *store, PB_STRING *key) noexcept
     return n ? pbStoreRetain(pbStoreFrom(n->value)) : nullptr;
 }
 
-PB___TEXT_VARIANTS(void, pbStoreSetValue, (PB_STORE * *store,), (store,), (, PB_STRING *value), (, value))
-PB___TEXT_VARIANTS(void, pbStoreSetValueInt, (PB_STORE * *store,), (store,), (, PB_INT value), (, value))
-PB___TEXT_VARIANTS(void, pbStoreSetStore, (PB_STORE * *store,), (store,), (, PB_STORE *sub), (, sub))
-PB___TEXT_VARIANTS(PB_STRING *, pbStoreValue, (PB_STORE * store,), (store,), (), ())
-PB___TEXT_VARIANTS(PB_BOOL, pbStoreValueInt, (PB_STORE * store, PB_INT *value,), (store, value,), (), ())
-PB___TEXT_VARIANTS(PB_STORE *, pbStoreStore, (PB_STORE * store,), (store,), (), ())
+PB___TEXT_VARIANTS(void, pbStoreSetValue, (PB_STORE * *store, ), (store, ), (, PB_STRING *value), (, value))
+PB___TEXT_VARIANTS(void, pbStoreSetValueInt, (PB_STORE * *store, ), (store, ), (, PB_INT value), (, value))
+PB___TEXT_VARIANTS(void, pbStoreSetStore, (PB_STORE * *store, ), (store, ), (, PB_STORE *sub), (, sub))
+PB___TEXT_VARIANTS(PB_STRING *, pbStoreValue, (PB_STORE * store, ), (store, ), (), ())
+PB___TEXT_VARIANTS(PB_BOOL, pbStoreValueInt, (PB_STORE * store, PB_INT *value, ), (store, value, ), (), ())
+PB___TEXT_VARIANTS(PB_STORE *, pbStoreStore, (PB_STORE * store, ), (store, ), (), ())

@@ -15,7 +15,10 @@ namespace {
 
 constexpr PB_INT kMaxLength = PB_INT_MAX / 8;
 
-PB_CHAR *inlineChars(PB_STRING *s) { return reinterpret_cast<PB_CHAR *>(s + 1); }
+PB_CHAR *inlineChars(PB_STRING *s)
+{
+    return reinterpret_cast<PB_CHAR *>(s + 1);
+}
 
 extern "C" {
 static void pb___StringFreeFunc(PB_OBJ *obj) noexcept;
@@ -25,8 +28,7 @@ static PB_STRING *pb___StringToStringFunc(PB_OBJ *obj) noexcept;
 
 } // namespace
 
-PB___SORT_DEFINE(pb, String, PB_STRING, nullptr, pb___StringFreeFunc, pb___StringCompareFunc,
-                 pb___StringToStringFunc)
+PB___SORT_DEFINE(pb, String, PB_STRING, nullptr, pb___StringFreeFunc, pb___StringCompareFunc, pb___StringToStringFunc)
 
 namespace {
 
@@ -81,9 +83,18 @@ void reserve(PB_STRING **s, PB_INT extra)
     str->capacity = capacity;
 }
 
-bool isAsciiUpper(PB_CHAR c) { return c >= 'A' && c <= 'Z'; }
-PB_CHAR asciiLower(PB_CHAR c) { return isAsciiUpper(c) ? c + ('a' - 'A') : c; }
-bool isTrimmed(PB_CHAR c) { return c == ' ' || c == '\t' || c == '\r' || c == '\n'; }
+bool isAsciiUpper(PB_CHAR c)
+{
+    return c >= 'A' && c <= 'Z';
+}
+PB_CHAR asciiLower(PB_CHAR c)
+{
+    return isAsciiUpper(c) ? c + ('a' - 'A') : c;
+}
+bool isTrimmed(PB_CHAR c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
 
 } // namespace
 
@@ -92,9 +103,9 @@ namespace pb::string {
 PB_STRING *createWithCapacity(PB_INT capacity) noexcept
 {
     PB_ASSERT( capacity >= 0 && capacity <= kMaxLength );
-    auto *s = reinterpret_cast<PB_STRING *>(pb___ObjCreate(
-        static_cast<PB_INT>(sizeof(PB_STRING)) + capacity * static_cast<PB_INT>(sizeof(PB_CHAR)),
-        &pb___sort_PB_STRING));
+    auto *s = reinterpret_cast<PB_STRING *>(
+        pb___ObjCreate(static_cast<PB_INT>(sizeof(PB_STRING)) + capacity * static_cast<PB_INT>(sizeof(PB_CHAR)),
+                       &pb___sort_PB_STRING));
     s->chars = inlineChars(s);
     s->capacity = capacity;
     return s;
@@ -389,7 +400,7 @@ PB_BOOL pbStringEqualsCaseFold(PB_STRING *s, PB_STRING *other) noexcept
                       [](PB_CHAR a, PB_CHAR b) { return asciiLower(a) == asciiLower(b); });
 }
 
-PB___TEXT_VARIANTS(PB_BOOL, pbStringEqualsCaseFold, (PB_STRING * s,), (s,), (), ())
+PB___TEXT_VARIANTS(PB_BOOL, pbStringEqualsCaseFold, (PB_STRING * s, ), (s, ), (), ())
 
 char *pbStringConvertToCstr(PB_STRING *s, PB_INT flags, PB_INT *length) noexcept
 {

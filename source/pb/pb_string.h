@@ -55,8 +55,7 @@ PB_API PB_STRING *pbStringCreateFromInner(PB_STRING *s, PB_INT offset, PB_INT co
  * A null %s or %o argument is written as "(null)". Any other directive is a
  * programming error and aborts. Arguments must have exactly these types. */
 PB_API PB_STRING *pbStringCreateFromFormatCstr(const char *format, PB_INT formatLength, ...) PB_NOEXCEPT;
-PB_API PB_STRING *pbStringCreateFromFormatCstrVa(const char *format, PB_INT formatLength,
-                                                 va_list args) PB_NOEXCEPT;
+PB_API PB_STRING *pbStringCreateFromFormatCstrVa(const char *format, PB_INT formatLength, va_list args) PB_NOEXCEPT;
 
 /** Appends the formatted text to *s (directives as above). */
 PB_API void pbStringAppendFormatCstr(PB_STRING **s, const char *format, PB_INT formatLength, ...) PB_NOEXCEPT;
@@ -91,8 +90,7 @@ PB_API void pbStringTrim(PB_STRING **s) PB_NOEXCEPT;
  * a limit n > 0 there are at most n pieces and the last keeps the rest, separators
  * included. The empty string gives one empty piece. */
 PB_API PB_VECTOR *pbStringSplitChar(PB_STRING *s, PB_CHAR c, PB_INT maxParts) PB_NOEXCEPT;
-PB_API PB_VECTOR *pbStringSplitChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count,
-                                     PB_INT maxParts) PB_NOEXCEPT;
+PB_API PB_VECTOR *pbStringSplitChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count, PB_INT maxParts) PB_NOEXCEPT;
 
 /** True when s is exactly chars[0..count). */
 PB_API PB_BOOL pbStringEqualsChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;

@@ -35,9 +35,8 @@ template <class F> inline auto withText(const wchar_t *text, PB_INT length, F &&
 #define PB___TEXT_VARIANT(Ret, Op, Suffix, CharT, Before, BeforeArgs, After, AfterArgs) \
     Ret Op##Suffix(PB___UNPAREN Before const CharT *text, PB_INT length PB___UNPAREN After) noexcept \
     { \
-        return pb::withText(text, length, [&](PB_STRING *s___) { \
-            return Op(PB___UNPAREN BeforeArgs s___ PB___UNPAREN AfterArgs); \
-        }); \
+        return pb::withText(text, length, \
+                            [&](PB_STRING *s___) { return Op(PB___UNPAREN BeforeArgs s___ PB___UNPAREN AfterArgs); }); \
     }
 
 #define PB___TEXT_VARIANTS(Ret, Op, Before, BeforeArgs, After, AfterArgs) \

@@ -15,7 +15,10 @@ namespace pb::utf8 {
 
 inline constexpr PB_CHAR kReplacement = 0xFFFD;
 
-inline bool isScalar(PB_CHAR c) { return c < 0xD800 || (c > 0xDFFF && c <= 0x10FFFF); }
+inline bool isScalar(PB_CHAR c)
+{
+    return c < 0xD800 || (c > 0xDFFF && c <= 0x10FFFF);
+}
 
 // Decodes n bytes into out (room for n code points). Returns the number of code
 // points written, or -1 when strict and the input is ill-formed.

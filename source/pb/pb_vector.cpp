@@ -24,8 +24,7 @@ static PB_STRING *pb___VectorToStringFunc(PB_OBJ *obj) noexcept;
 
 } // namespace
 
-PB___SORT_DEFINE(pb, Vector, PB_VECTOR, nullptr, pb___VectorFreeFunc, pb___VectorCompareFunc,
-                 pb___VectorToStringFunc)
+PB___SORT_DEFINE(pb, Vector, PB_VECTOR, nullptr, pb___VectorFreeFunc, pb___VectorCompareFunc, pb___VectorToStringFunc)
 
 namespace {
 

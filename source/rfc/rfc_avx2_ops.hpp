@@ -19,8 +19,7 @@ namespace Avx2 {
 // bytes a b c goes to a 32-bit slot as b a c b, ready for the shifts below.
 inline __m256i base64LoadGroups(const uint8_t *in)
 {
-    __m256i v = _mm256_loadu2_m128i(reinterpret_cast<const __m128i *>(in + 8),
-                                    reinterpret_cast<const __m128i *>(in));
+    __m256i v = _mm256_loadu2_m128i(reinterpret_cast<const __m128i *>(in + 8), reinterpret_cast<const __m128i *>(in));
     return _mm256_shuffle_epi8(v, _mm256_setr_epi8(1, 0, 2, 1, 4, 3, 5, 4, 7, 6, 8, 7, 10, 9, 11, 10, //
                                                    5, 4, 6, 5, 8, 7, 9, 8, 11, 10, 12, 11, 14, 13, 15, 14));
 }
@@ -60,14 +59,12 @@ inline void base64EncodeStep(const uint8_t *in, uint8_t *out)
 // (letters from 1), 5 and 7 (letters up to A), everything else.
 inline __m256i base64Invalid(__m256i chars, __m256i highNibbles)
 {
-    const __m256i lowClass = _mm256_setr_epi8(0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x13, 0x1A,
-                                              0x1B, 0x1B, 0x1B, 0x1A, //
-                                              0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x13, 0x1A,
-                                              0x1B, 0x1B, 0x1B, 0x1A);
-    const __m256i highClass = _mm256_setr_epi8(0x10, 0x10, 0x01, 0x02, 0x04, 0x08, 0x04, 0x08, 0x10, 0x10, 0x10, 0x10,
-                                               0x10, 0x10, 0x10, 0x10, //
-                                               0x10, 0x10, 0x01, 0x02, 0x04, 0x08, 0x04, 0x08, 0x10, 0x10, 0x10, 0x10,
-                                               0x10, 0x10, 0x10, 0x10);
+    const __m256i lowClass = _mm256_setr_epi8(
+        0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x13, 0x1A, 0x1B, 0x1B, 0x1B, 0x1A, //
+        0x15, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x11, 0x13, 0x1A, 0x1B, 0x1B, 0x1B, 0x1A);
+    const __m256i highClass = _mm256_setr_epi8(
+        0x10, 0x10, 0x01, 0x02, 0x04, 0x08, 0x04, 0x08, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, //
+        0x10, 0x10, 0x01, 0x02, 0x04, 0x08, 0x04, 0x08, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10, 0x10);
     __m256i lo = _mm256_shuffle_epi8(lowClass, _mm256_and_si256(chars, _mm256_set1_epi8(0x0f)));
     __m256i hi = _mm256_shuffle_epi8(highClass, highNibbles);
     return _mm256_cmpgt_epi8(_mm256_and_si256(lo, hi), _mm256_setzero_si256());
@@ -89,8 +86,9 @@ inline __m256i base64Pack(__m256i values)
 {
     __m256i pairs = _mm256_maddubs_epi16(values, _mm256_set1_epi32(0x01400140));
     __m256i words = _mm256_madd_epi16(pairs, _mm256_set1_epi32(0x00011000));
-    __m256i bytes = _mm256_shuffle_epi8(words, _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1, //
-                                                                2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1));
+    __m256i bytes =
+        _mm256_shuffle_epi8(words, _mm256_setr_epi8(2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1, //
+                                                    2, 1, 0, 6, 5, 4, 10, 9, 8, 14, 13, 12, -1, -1, -1, -1));
     return _mm256_permutevar8x32_epi32(bytes, _mm256_setr_epi32(0, 1, 2, 4, 5, 6, 7, 7));
 }
 
@@ -205,8 +203,8 @@ inline uint32_t quopSpecialMask(__m256i v)
 {
     __m256i low = _mm256_cmpgt_epi8(_mm256_set1_epi8(32), v); // below 32, and 128 up (negative)
     low = _mm256_andnot_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8('\t')), low);
-    __m256i other = _mm256_or_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8('=')),
-                                    _mm256_cmpeq_epi8(v, _mm256_set1_epi8(127)));
+    __m256i other =
+        _mm256_or_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8('=')), _mm256_cmpeq_epi8(v, _mm256_set1_epi8(127)));
     return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_or_si256(low, other)));
 }
 
@@ -242,8 +240,8 @@ size_t copyPlain(const uint8_t *in, size_t n, uint8_t *out)
     for (; n - i >= 32; i += 32) {
         __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + i));
         _mm256_storeu_si256(reinterpret_cast<__m256i *>(out + i), v);
-        __m256i stop = _mm256_or_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8('=')),
-                                       _mm256_cmpeq_epi8(v, _mm256_set1_epi8('\n')));
+        __m256i stop =
+            _mm256_or_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8('=')), _mm256_cmpeq_epi8(v, _mm256_set1_epi8('\n')));
         if (uint32_t mask = static_cast<uint32_t>(_mm256_movemask_epi8(stop)))
             return i + static_cast<size_t>(__builtin_ctz(mask));
     }

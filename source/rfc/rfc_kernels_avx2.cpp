@@ -10,8 +10,11 @@
 namespace rfc {
 
 extern const Kernels avx2KernelTable;
-constinit const Kernels avx2KernelTable{"avx2", base64::encodeWith<Avx2Ops>, base64::decodeWith<Avx2Ops>,
-                                        quop::encodeBoundWith<Avx2Ops>, quop::encodeWith<Avx2Ops>,
+constinit const Kernels avx2KernelTable{"avx2",
+                                        base64::encodeWith<Avx2Ops>,
+                                        base64::decodeWith<Avx2Ops>,
+                                        quop::encodeBoundWith<Avx2Ops>,
+                                        quop::encodeWith<Avx2Ops>,
                                         quop::decodeWith<Avx2Ops>};
 
 } // namespace rfc

@@ -18,20 +18,16 @@ struct Base64Step512 {
     static constexpr size_t kBytes = 48;
     static constexpr size_t kChars = 64;
 
-    static __m512i alphabet()
-    {
-        return _mm512_loadu_si512(tables::base64Alphabet.at);
-    }
+    static __m512i alphabet() { return _mm512_loadu_si512(tables::base64Alphabet.at); }
 
     // Each group of three bytes a b c goes to a 32-bit slot as b a c b; one
     // multishift then lifts the four sextets into bytes, and a permute of the
     // alphabet turns them into characters.
     static void encode(const uint8_t *in, uint8_t *out)
     {
-        const __m512i groups = _mm512_setr_epi32(0x01020001, 0x04050304, 0x07080607, 0x0a0b090a, 0x0d0e0c0d,
-                                                 0x10110f10, 0x13141213, 0x16171516, 0x191a1819, 0x1c1d1b1c,
-                                                 0x1f201e1f, 0x22232122, 0x25262425, 0x28292728, 0x2b2c2a2b,
-                                                 0x2e2f2d2e);
+        const __m512i groups = _mm512_setr_epi32(0x01020001, 0x04050304, 0x07080607, 0x0a0b090a, 0x0d0e0c0d, 0x10110f10,
+                                                 0x13141213, 0x16171516, 0x191a1819, 0x1c1d1b1c, 0x1f201e1f, 0x22232122,
+                                                 0x25262425, 0x28292728, 0x2b2c2a2b, 0x2e2f2d2e);
         __m512i bytes = _mm512_maskz_loadu_epi8((uint64_t{1} << 48) - 1, in);
         __m512i slots = _mm512_permutexvar_epi8(groups, bytes);
         __m512i sextets = _mm512_multishift_epi64_epi8(_mm512_set1_epi64(0x3036242a1016040a), slots);
@@ -122,8 +118,8 @@ struct Avx512Ops : Avx2Ops {
             if (lineEnd & ((crBefore & space(back2)) | (~crBefore & space(back1))))
                 break;
 
-            __m512i value = _mm512_or_si512(_mm512_and_si512(_mm512_slli_epi16(nibble1, 4), _mm512_set1_epi8(-16)),
-                                            nibble2);
+            __m512i value =
+                _mm512_or_si512(_mm512_and_si512(_mm512_slli_epi16(nibble1, 4), _mm512_set1_epi8(-16)), nibble2);
             uint64_t keep = ~dropped;
             _mm512_storeu_si512(out + o, _mm512_maskz_compress_epi8(keep, _mm512_mask_blend_epi8(escape, v, value)));
             o += static_cast<size_t>(__builtin_popcountll(keep));
@@ -159,8 +155,11 @@ struct Avx512Ops : Avx2Ops {
 } // namespace
 
 extern const Kernels avx512KernelTable;
-constinit const Kernels avx512KernelTable{"avx512", base64::encodeWith<Avx512Ops>, base64::decodeWith<Avx512Ops>,
-                                          quop::encodeBoundWith<Avx512Ops>, quop::encodeWith<Avx512Ops>,
+constinit const Kernels avx512KernelTable{"avx512",
+                                          base64::encodeWith<Avx512Ops>,
+                                          base64::decodeWith<Avx512Ops>,
+                                          quop::encodeBoundWith<Avx512Ops>,
+                                          quop::encodeWith<Avx512Ops>,
                                           quop::decodeWith<Avx512Ops>};
 
 } // namespace rfc

@@ -7,8 +7,12 @@ namespace rfc {
 
 namespace {
 
-constexpr Kernels scalar{"scalar", base64::encodeWith<ScalarOps>, base64::decodeWith<ScalarOps>,
-                         quop::encodeBoundWith<ScalarOps>, quop::encodeWith<ScalarOps>, quop::decodeWith<ScalarOps>};
+constexpr Kernels scalar{"scalar",
+                         base64::encodeWith<ScalarOps>,
+                         base64::decodeWith<ScalarOps>,
+                         quop::encodeBoundWith<ScalarOps>,
+                         quop::encodeWith<ScalarOps>,
+                         quop::decodeWith<ScalarOps>};
 
 } // namespace
 

@@ -18,7 +18,6 @@
 namespace rfc::quop {
 namespace {
 
-
 inline bool isSpaceOrTab(uint8_t b)
 {
     return b == ' ' || b == '\t';

@@ -33,7 +33,10 @@ PB_INT settingRestore(const Setting &setting, PB_STORE *store) noexcept;
 // "key=value".
 PB_STRING *settingText(const Setting &setting, PB_INT value) noexcept;
 
-inline PB_INT compareInts(PB_INT a, PB_INT b) noexcept { return a < b ? -1 : a > b ? 1 : 0; }
+inline PB_INT compareInts(PB_INT a, PB_INT b) noexcept
+{
+    return a < b ? -1 : a > b ? 1 : 0;
+}
 
 } // namespace rfc
 
@@ -65,7 +68,10 @@ inline PB_INT compareInts(PB_INT a, PB_INT b) noexcept { return a < b ? -1 : a >
         return options; \
     } \
     } \
-    NAME *rfc##Name##Create(void) noexcept { return rfc___##Name##CreateWith(setting.defaultValue); } \
+    NAME *rfc##Name##Create(void) noexcept \
+    { \
+        return rfc___##Name##CreateWith(setting.defaultValue); \
+    } \
     NAME *rfc##Name##CreateFrom(NAME *source) noexcept \
     { \
         PB_ASSERT( source ); \

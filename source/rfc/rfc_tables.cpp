@@ -56,8 +56,8 @@ constexpr Table<int8_t, 256> makeHexValues()
 constinit const Table<uint8_t, 64> base64Alphabet = makeBase64Alphabet();
 constinit const Table<uint8_t, 256> base64Values = makeBase64Values();
 constinit const Table<bool, 256> quopLiteral = makeQuopLiteral();
-constinit const Table<uint8_t, 16> hexUpper = {{'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C',
-                                                 'D', 'E', 'F'}};
+constinit const Table<uint8_t, 16> hexUpper = {
+    {'0', '1', '2', '3', '4', '5', '6', '7', '8', '9', 'A', 'B', 'C', 'D', 'E', 'F'}};
 constinit const Table<int8_t, 256> hexValues = makeHexValues();
 
 } // namespace tables

@@ -89,10 +89,21 @@ TEST(ContentId, DecodeEncodeAndGenerate)
 TEST(ContentTransferEncoding, NamesAndDecoding)
 {
     const std::pair<std::string, MIME_CONTENT_TRANSFER_ENCODING> rows[] = {
-        {"7bit", 0},       {"8BIT", 1},        {"Binary", 2},      {"quoted-printable", 3},
-        {"BASE64", 4},     {"\"base64\"", 4},  {" base64 (the body) ", 4}, {"(c)Base64\r\n ", 4},
-        {"base64 7bit", -1}, {"base64;", -1},  {"", -1},           {"uuencode", -1},
-        {"(base64)", -1},  {"\"base64", -1},   {"x-base64", -1},
+        {"7bit", 0},
+        {"8BIT", 1},
+        {"Binary", 2},
+        {"quoted-printable", 3},
+        {"BASE64", 4},
+        {"\"base64\"", 4},
+        {" base64 (the body) ", 4},
+        {"(c)Base64\r\n ", 4},
+        {"base64 7bit", -1},
+        {"base64;", -1},
+        {"", -1},
+        {"uuencode", -1},
+        {"(base64)", -1},
+        {"\"base64", -1},
+        {"x-base64", -1},
     };
     for (const auto &[raw, cte] : rows)
         EXPECT_EQ(decodeCte(raw), cte) << raw;

@@ -148,8 +148,8 @@ TEST(EntityEncode, FieldsAndChoiceExamples)
     EXPECT_EQ(adopt(mimeEntityBody(ent.get())).get(), text.get()) << "a 7bit body is stored as it is";
 
     const std::pair<std::string, std::string> rows[] = {
-        {"line one\r\nline two", "quoted-printable"},        // no final CR LF
-        {"caf\xc3\xa9 au lait\r\n", "quoted-printable"},     // a few 8-bit bytes
+        {"line one\r\nline two", "quoted-printable"},         // no final CR LF
+        {"caf\xc3\xa9 au lait\r\n", "quoted-printable"},      // a few 8-bit bytes
         {std::string(999, 'a') + "\r\n", "quoted-printable"}, // a line too long for 7bit
         {"\xff\xfe\xfd\xfc", "base64"},
         {"", "7bit"},
@@ -161,8 +161,9 @@ TEST(EntityEncode, FieldsAndChoiceExamples)
         Ref<MIME_ENTITY> e = adopt(mimeEncode(mo.get(), bytes(body).get(), nullptr, nullptr, nullptr));
         EXPECT_EQ(fieldsOf(e.get()).contentTransferEncoding, cte) << body;
     }
-    EXPECT_DEATH(mimeEncode(mo.get(), nullptr, nullptr, nullptr, str("").get()),
-                 assertion("source/mime/mime_encode.cpp", "!optionalContentId || mimeContentIdOk( optionalContentId )"));
+    EXPECT_DEATH(
+        mimeEncode(mo.get(), nullptr, nullptr, nullptr, str("").get()),
+        assertion("source/mime/mime_encode.cpp", "!optionalContentId || mimeContentIdOk( optionalContentId )"));
 }
 
 TEST(EntityEncode, RoundTripsAndChoosesByTheTable)
@@ -176,21 +177,33 @@ TEST(EntityEncode, RoundTripsAndChoosesByTheTable)
         size_t n = pick(kind == 5 ? 1 : 3000), rate = 120 + pick(40);
         for (size_t i = 0; i < n; ++i) {
             switch (kind) {
-            case 0: b += pick(30) ? static_cast<char>('a' + pick(26)) : '\n'; break;
-            case 1: b += pick(50) ? static_cast<char>(' ' + pick(95)) : static_cast<char>(0xC3 + pick(2)); break;
-            case 2: b += pick(2000) ? 'x' : '\n'; break;
-            case 3: b += static_cast<char>(rng()); break;
-            case 4: b += pick(4) ? 'a' : static_cast<char>(rng()); break;
+            case 0:
+                b += pick(30) ? static_cast<char>('a' + pick(26)) : '\n';
+                break;
+            case 1:
+                b += pick(50) ? static_cast<char>(' ' + pick(95)) : static_cast<char>(0xC3 + pick(2));
+                break;
+            case 2:
+                b += pick(2000) ? 'x' : '\n';
+                break;
+            case 3:
+                b += static_cast<char>(rng());
+                break;
+            case 4:
+                b += pick(4) ? 'a' : static_cast<char>(rng());
+                break;
             case 6: // near the tie of the two codings, with every byte class
                 b += pick(1000) < rate ? "=\x7f\x80\xff\x1f\x01\r"[pick(7)] : "ab\t\n  "[pick(6)];
                 break;
-            default: break;
+            default:
+                break;
             }
         }
         return kind == 0 && pick(2) ? crlf(b + "\n") : crlf(b);
     };
     Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeCreateCstr("application/octet-stream", -1));
-    mimeContentTypeSetParameterCstrCstrValue(type.addr(), "name", -1, "r\xc3\xa9sum\xc3\xa9 of a long file name.txt", -1);
+    mimeContentTypeSetParameterCstrCstrValue(type.addr(), "name", -1, "r\xc3\xa9sum\xc3\xa9 of a long file name.txt",
+                                             -1);
     Ref<MIME_CONTENT_DISPOSITION> disposition = adopt(mimeContentDispositionCreateCstr("attachment", -1));
     const MIME_FLAGS flagSets[] = {0, MIME_FLAG_GENERATE_EIGHT_BIT_BODY, MIME_FLAG_GENERATE_DISABLE_QUOTED_PRINTABLE,
                                    MIME_FLAG_GENERATE_RFC2231_HEADERS | MIME_FLAG_PARSE_RFC2231_HEADERS};
@@ -199,14 +212,15 @@ TEST(EntityEncode, RoundTripsAndChoosesByTheTable)
         mimeOptionsSetFlags(mo.addr(), flags | MIME_FLAG_PARSE_RFC2231_HEADERS);
         for (int round = 0; round < 140; ++round) {
             Ref<PB_BUFFER> b = bytes(body(round % 7));
-            Ref<MIME_ENTITY> ent =
-                adopt(mimeEncode(mo.get(), b.get(), type.get(), disposition.get(), str("id" + std::to_string(round)).get()));
+            Ref<MIME_ENTITY> ent = adopt(
+                mimeEncode(mo.get(), b.get(), type.get(), disposition.get(), str("id" + std::to_string(round)).get()));
             ASSERT_EQ(fieldsOf(ent.get()).contentTransferEncoding, prescribed(b.get(), mo.get())) << flags;
             Ref<PB_BUFFER> back;
             Ref<MIME_CONTENT_TYPE> typeBack;
             Ref<MIME_CONTENT_DISPOSITION> dispositionBack;
             Ref<PB_STRING> id;
-            ASSERT_TRUE(mimeDecode(ent.get(), mo.get(), back.addr(), typeBack.addr(), dispositionBack.addr(), id.addr()));
+            ASSERT_TRUE(
+                mimeDecode(ent.get(), mo.get(), back.addr(), typeBack.addr(), dispositionBack.addr(), id.addr()));
             EXPECT_EQ(bytesOf(back.get()), bytesOf(b.get()));
             EXPECT_EQ(utf8(id.get()), "id" + std::to_string(round));
             EXPECT_TRUE(mimeContentDispositionEquals(dispositionBack.get(), disposition.get()));
@@ -230,7 +244,8 @@ TEST(Entity, TextVariants)
     EXPECT_FALSE(mimeMultipartBoundaryOkWcstr(L"a ", -1));
     EXPECT_EQ(take(mimeContentIdTryDecodeCstr(" <x@y> ", -1)), "x@y");
     Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
-    EXPECT_EQ(mimeContentTransferEncodingTryDecodeWcstr(L"Base64", -1, mo.get()), MIME_CONTENT_TRANSFER_ENCODING_BASE64);
+    EXPECT_EQ(mimeContentTransferEncodingTryDecodeWcstr(L"Base64", -1, mo.get()),
+              MIME_CONTENT_TRANSFER_ENCODING_BASE64);
     EXPECT_EQ(fieldsOf(adopt(mimeEncodeWcstr(mo.get(), nullptr, nullptr, nullptr, L"p1", -1)).get()).contentId, "<p1>");
     EXPECT_EQ(fieldsOf(adopt(mimeEncodeCstr(mo.get(), nullptr, nullptr, nullptr, nullptr, 0)).get()), Fields{});
 }

@@ -45,7 +45,8 @@ TEST(Flags, TextNamesTheFlags)
     EXPECT_EQ(take(mimeFlagsToString(3)), "MIME_FLAG_PARSE_RFC2231_HEADERS, MIME_FLAG_GENERATE_RFC2231_HEADERS");
     EXPECT_EQ(take(mimeFlagsToString(0)), "");
     EXPECT_EQ(take(mimeEncodeFlagsToString(3)), "MIME_ENCODE_FLAG_7BIT");
-    EXPECT_EQ(mimeFlagsFromStringCstr("mime_flag_generate_eight_bit_body, bogus", -1), MIME_FLAG_GENERATE_EIGHT_BIT_BODY);
+    EXPECT_EQ(mimeFlagsFromStringCstr("mime_flag_generate_eight_bit_body, bogus", -1),
+              MIME_FLAG_GENERATE_EIGHT_BIT_BODY);
     EXPECT_EQ(mimeFlagsFromStringWcstr(L"MIME_FLAG_GENERATE_UNICODE_HEADERS MIME_FLAG_GENERATE_RFC2231_HEADERS", -1),
               MIME_FLAG_GENERATE_RFC2231_HEADERS);
     EXPECT_EQ(mimeFlagsFromStringCstr("", -1), 0u);

@@ -131,9 +131,9 @@ TEST(HeaderCodecs, EncodingExamplesAndFlags)
     };
     for (const auto &[flags, text] : table)
         EXPECT_EQ(take(mimeContentTypeEncode(mixed.get(), withFlags(flags).get(), 14)), text) << flags;
-    EXPECT_EQ(take(mimeContentTypeEncode(adopt(mimeContentTypeCreateCstr("Text/Plain", -1)).get(),
-                                         withFlags(0).get(), 14)),
-              "text/plain");
+    EXPECT_EQ(
+        take(mimeContentTypeEncode(adopt(mimeContentTypeCreateCstr("Text/Plain", -1)).get(), withFlags(0).get(), 14)),
+        "text/plain");
 }
 
 // decode(encode(x)) == x: ASCII values without RFC 2231, and any Unicode value
@@ -165,9 +165,10 @@ TEST(HeaderCodecs, RoundTripOverGeneratedValues)
             adopt(mimeContentTypeTryDecode(adopt(mimeContentTypeEncode(ct.get(), mo.get(), 14)).get(), mo.get()));
         ASSERT_TRUE(ct2);
         ASSERT_TRUE(mimeContentTypeEquals(ct.get(), ct2.get())) << take(mimeContentTypeToString(ct.get()));
-        Ref<MIME_CONTENT_DISPOSITION> cd2 = adopt(
-            mimeContentDispositionTryDecode(adopt(mimeContentDispositionEncode(cd.get(), mo.get(), 21)).get(), mo.get()));
+        Ref<MIME_CONTENT_DISPOSITION> cd2 = adopt(mimeContentDispositionTryDecode(
+            adopt(mimeContentDispositionEncode(cd.get(), mo.get(), 21)).get(), mo.get()));
         ASSERT_TRUE(cd2);
-        ASSERT_TRUE(mimeContentDispositionEquals(cd.get(), cd2.get())) << take(mimeContentDispositionToString(cd.get()));
+        ASSERT_TRUE(mimeContentDispositionEquals(cd.get(), cd2.get()))
+            << take(mimeContentDispositionToString(cd.get()));
     }
 }

@@ -34,9 +34,9 @@ TEST(Module, ObjectAndRecordWords)
     EXPECT_STREQ(r->productName, "corvane");
     EXPECT_STREQ(r->productName2, "corvane");
     EXPECT_GE(r->versionMajor, 0);
-    EXPECT_TRUE(std::regex_match(r->buildTime,
-                                 std::regex("UTC [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2} "
-                                            "\\((Monday|Tuesday|Wednesday|Thursday|Friday|Saturday|Sunday)\\)")))
+    EXPECT_TRUE(
+        std::regex_match(r->buildTime, std::regex("UTC [0-9]{4}-[0-9]{2}-[0-9]{2} [0-9]{2}:[0-9]{2}:[0-9]{2} "
+                                                  "\\((Monday|Tuesday|Wednesday|Thursday|Friday|Saturday|Sunday)\\)")))
         << r->buildTime;
     EXPECT_GT(std::strlen(r->company), 0u);
     EXPECT_GT(std::strlen(r->copyright), 0u);

@@ -40,8 +40,8 @@ Ref<PB_VECTOR> vectorOf(const std::vector<Fields> &entities)
 
 std::optional<std::vector<Fields>> unpack(const std::string &body, const char *boundary = "B")
 {
-    Ref<PB_VECTOR> parts = adopt(mimeMultipartTryUnpack(multipart(boundary).get(), bytes(body).get(),
-                                                        adopt(mimeOptionsCreate()).get()));
+    Ref<PB_VECTOR> parts =
+        adopt(mimeMultipartTryUnpack(multipart(boundary).get(), bytes(body).get(), adopt(mimeOptionsCreate()).get()));
     if (!parts)
         return std::nullopt;
     std::vector<Fields> out;
@@ -61,9 +61,9 @@ std::optional<Fields> parse(const std::string &content)
 TEST(MultipartBoundary, Rules)
 {
     const std::pair<std::string, bool> rows[] = {
-        {"", false},         {std::string(71, 'a'), false}, {"ab ", false}, {"a@b", false}, {"\xc3\xa9", false},
-        {"a", true},         {std::string(70, 'a'), true},  {"a b", true},  {"'()+_,-./:=?", true},
-        {"=_att_8a2f", true}, {"a\tb", false},
+        {"", false},     {std::string(71, 'a'), false}, {"ab ", false}, {"a@b", false},         {"\xc3\xa9", false},
+        {"a", true},     {std::string(70, 'a'), true},  {"a b", true},  {"'()+_,-./:=?", true}, {"=_att_8a2f", true},
+        {"a\tb", false},
     };
     for (const auto &[boundary, ok] : rows)
         EXPECT_EQ(mimeMultipartBoundaryOk(str(boundary).get()), ok) << boundary;
@@ -194,20 +194,20 @@ TEST(MultipartUnpack, RefusedLayouts)
     const std::string rows[] = {
         "",
         "no delimiter",
-        "x--B--",                                                // not at a line start
-        crlf("--B\n\nhi"),                                       // no further delimiter
-        crlf("--B\n\nhi\n--B"),                                  // ends right after the boundary
-        crlf("--B\n\nhi\n--B -- \n"),                            // padding before "--"
-        crlf("--BX\n\nhi\n--B--"),                               // a longer boundary
-        crlf("--B\n\nhi\n--BX\n\n--B--"),                        // a longer boundary ends a part
-        crlf("--B x\n\nhi\n--B--"),                              // more than padding
-        crlf("--B\n Content-Type: text/plain\n\nhi\n--B--"),     // first line continues nothing
-        crlf("--B\nContent-Type text/plain\n\nhi\n--B--"),       // no colon
-        crlf("--B\nContent-Type : text/plain\n\nhi\n--B--"),     // space in the name
-        crlf("--B\n: text/plain\n\nhi\n--B--"),                  // empty name
-        crlf("--B\nContent-Id: <a>\ncontent-id: <b>\n\n--B--"),  // a field twice
-        crlf("--B\nX-Bytes: \xff\n\nhi\n--B--"),                 // not UTF-8
-        crlf("--B\nno header line\n--B--"),                      // no empty line: read as headers
+        "x--B--",                                               // not at a line start
+        crlf("--B\n\nhi"),                                      // no further delimiter
+        crlf("--B\n\nhi\n--B"),                                 // ends right after the boundary
+        crlf("--B\n\nhi\n--B -- \n"),                           // padding before "--"
+        crlf("--BX\n\nhi\n--B--"),                              // a longer boundary
+        crlf("--B\n\nhi\n--BX\n\n--B--"),                       // a longer boundary ends a part
+        crlf("--B x\n\nhi\n--B--"),                             // more than padding
+        crlf("--B\n Content-Type: text/plain\n\nhi\n--B--"),    // first line continues nothing
+        crlf("--B\nContent-Type text/plain\n\nhi\n--B--"),      // no colon
+        crlf("--B\nContent-Type : text/plain\n\nhi\n--B--"),    // space in the name
+        crlf("--B\n: text/plain\n\nhi\n--B--"),                 // empty name
+        crlf("--B\nContent-Id: <a>\ncontent-id: <b>\n\n--B--"), // a field twice
+        crlf("--B\nX-Bytes: \xff\n\nhi\n--B--"),                // not UTF-8
+        crlf("--B\nno header line\n--B--"),                     // no empty line: read as headers
     };
     for (const std::string &body : rows)
         EXPECT_FALSE(unpack(body)) << body;
@@ -264,8 +264,8 @@ TEST(MultipartRoundTrip, GeneratedEntities)
     auto pick = [&](size_t n) { return static_cast<size_t>(rng() % n); };
     // Pieces that make bodies look like multipart text, delimiters of the
     // boundary in use included.
-    const std::string pieces[] = {"--",   "\r\n",  "\r", "\n",     "--B",   "\r\n--B",  "\r\n--B--",
-                                  "text", "\xff", " ",  "\r\n\r\n", "--Bx", "=_", std::string(1, '\0')};
+    const std::string pieces[] = {"--",   "\r\n", "\r", "\n",       "--B",  "\r\n--B", "\r\n--B--",
+                                  "text", "\xff", " ",  "\r\n\r\n", "--Bx", "=_",      std::string(1, '\0')};
     auto body = [&] {
         std::string b;
         for (size_t n = pick(12); n > 0; --n)
@@ -313,7 +313,8 @@ TEST(MultipartRoundTrip, NestedAndLarge)
     std::string big(3 << 20, 'a');
     for (size_t i = 0; i < big.size(); i += 77)
         big.replace(i, 2, "\r\n");
-    Ref<PB_BUFFER> innerBody = adopt(mimeMultipartTryPack(inner.addr(), vectorOf({{"text/plain", {}, {}, {}, big}}).get(), mo.get()));
+    Ref<PB_BUFFER> innerBody =
+        adopt(mimeMultipartTryPack(inner.addr(), vectorOf({{"text/plain", {}, {}, {}, big}}).get(), mo.get()));
     PB_STRING *innerText = mimeContentTypeEncode(inner.get(), mo.get(), 14);
     Ref<MIME_CONTENT_TYPE> outer = multipart();
     Ref<PB_BUFFER> outerBody = adopt(mimeMultipartTryPack(

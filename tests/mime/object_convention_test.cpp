@@ -54,7 +54,7 @@ void mimeTestNoteSetText(MIME_TEST_NOTE **note, PB_STRING *text)
     pb::setField((*note)->text, text);
 }
 
-PB___TEXT_VARIANTS(void, mimeTestNoteSetText, (MIME_TEST_NOTE * *note,), (note,), (), ())
+PB___TEXT_VARIANTS(void, mimeTestNoteSetText, (MIME_TEST_NOTE * *note, ), (note, ), (), ())
 
 TEST(ObjectConvention, SortRecordNamesTheTypeAndModule)
 {
@@ -119,7 +119,7 @@ TEST(ObjectConventionDeathTest, UnshareConditionText)
     MIME_TEST_NOTE *empty = nullptr;
     MIME_TEST_NOTE **p = &empty;
     EXPECT_DEATH(PB_OBJ_UNSHARE((*p), mimeTestNoteCreateFrom),
-                 assertion("tests/mime/object_convention_test.cpp", "((*p))"));
+                                assertion("tests/mime/object_convention_test.cpp", "((*p))"));
 }
 
 } // namespace

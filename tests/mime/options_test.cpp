@@ -123,7 +123,8 @@ TEST(Options, CopyBeforeChangeSharesCodecOptions)
     ASSERT_NE(a.get(), b.get());
     EXPECT_EQ(mimeOptionsWrapLineLength(a.get()), 76);
     EXPECT_EQ(mimeOptionsWrapLineLength(b.get()), -1);
-    Ref<RFC_BASE_OPTIONS> boA = adopt(mimeOptionsRfcBaseOptions(a.get())), boB = adopt(mimeOptionsRfcBaseOptions(b.get()));
+    Ref<RFC_BASE_OPTIONS> boA = adopt(mimeOptionsRfcBaseOptions(a.get())),
+                          boB = adopt(mimeOptionsRfcBaseOptions(b.get()));
     EXPECT_EQ(boA.get(), boB.get()) << "the copy shares the codec options";
 
     Ref<RFC_BASE_OPTIONS> mine = adopt(rfcBaseOptionsCreate());
@@ -161,8 +162,8 @@ Ref<MIME_OPTIONS> restored(PB_STORE *store)
 
 TEST(OptionsStore, RecordsWhatWasSet)
 {
-    const std::vector<std::string> all = {"flags", "rfc2231Charset", "rfc2231MaxSegmentLength", "rfcBaseOptions",
-                                          "rfcQuopOptions", "wrapLineLength"};
+    const std::vector<std::string> all = {"flags",          "rfc2231Charset", "rfc2231MaxSegmentLength",
+                                          "rfcBaseOptions", "rfcQuopOptions", "wrapLineLength"};
     Ref<MIME_OPTIONS> mo = fresh();
     EXPECT_EQ(keysOf(adopt(mimeOptionsStore(mo.get(), 0)).get()), std::vector<std::string>{});
     EXPECT_EQ(mimeOptionsCompare(restored(adopt(pbStoreCreate()).get()).get(), mo.get()), 0);

@@ -49,10 +49,17 @@ TRAITS(ContentDisposition, MIME_CONTENT_DISPOSITION, Type)
 
 // A label that both rules accept: Content-Type needs a "/", Content-Disposition refuses one.
 template <class Traits> const char *sample();
-template <> const char *sample<ContentTypeTraits>() { return "Text/Plain"; }
-template <> const char *sample<ContentDispositionTraits>() { return "Attachment"; }
+template <> const char *sample<ContentTypeTraits>()
+{
+    return "Text/Plain";
+}
+template <> const char *sample<ContentDispositionTraits>()
+{
+    return "Attachment";
+}
 
-template <class Traits> class Parameterized : public testing::Test {};
+template <class Traits> class Parameterized : public testing::Test {
+};
 using Kinds = testing::Types<ContentTypeTraits, ContentDispositionTraits>;
 TYPED_TEST_SUITE(Parameterized, Kinds);
 
@@ -66,7 +73,8 @@ TEST(ContentType, NameRule)
                             "text/pl!ain", "t\u00e9xt/plain", "text/plain;"})
         EXPECT_FALSE(ContentTypeTraits::labelOk(bad)) << bad;
     EXPECT_FALSE(mimeContentTypeNameOk(nullptr));
-    EXPECT_EQ(ContentTypeTraits::wire("APPLICATION/EMERGENCYCALLDATA.ECALL.MSD"), "application/EmergencyCallData.eCall.MSD");
+    EXPECT_EQ(ContentTypeTraits::wire("APPLICATION/EMERGENCYCALLDATA.ECALL.MSD"),
+              "application/EmergencyCallData.eCall.MSD");
     EXPECT_EQ(ContentTypeTraits::wire("application/emergencycalldata.control+xml"),
               "application/EmergencyCallData.Control+xml");
     EXPECT_EQ(ContentTypeTraits::wire("Text/Plain"), "text/plain");

@@ -67,7 +67,8 @@ TEST(Rfc2231, DecodingForms)
         {{{"name*0*", "utf-8''%41"}, {"name*1", "%42"}}, {{"name", "A%42"}}},
         {{{"name*0", "a"}, {"name*01", "b"}}, {{"name", "a"}}},
         {{{"name*0", "a"}, {"NAME*1", "b"}}, {{"name", "a"}}},
-        {{{"v*", "utf-8''%4"}, {"w*", "utf-8''%G1"}, {"x*", "utf-8''100%"}}, {{"v", "%4"}, {"w", "%G1"}, {"x", "100%"}}},
+        {{{"v*", "utf-8''%4"}, {"w*", "utf-8''%G1"}, {"x*", "utf-8''100%"}},
+         {{"v", "%4"}, {"w", "%G1"}, {"x", "100%"}}},
         {{{"name*", "utf-8''\u0100"}}, {}},
         {{{"name*0*", "utf-8''%E2%82"}, {"name*1*", "%AC"}, {"name*2", "!"}}, {{"name", "\u20ac!"}}},
         {{{"name*0*", "utf-8''a"}, {"name*1*", "b"}, {"name*1", "X"}}, {{"name", "ab"}}},
@@ -85,8 +86,9 @@ TEST(Rfc2231, EncodingSegments)
     EXPECT_EQ(encode({{"filename", "\u20acuro-\u20ac"}}), (Params{{"filename*", "UTF-8''%E2%82%ACuro-%E2%82%AC"}}));
     std::string ascii130(130, 'x');
     ascii130[129] = 'y';
-    EXPECT_EQ(encode({{"f", ascii130}}),
-              (Params{{"f*0", std::string(60, 'x')}, {"f*1", std::string(60, 'x')}, {"f*2", std::string(9, 'x') + "y"}}));
+    EXPECT_EQ(
+        encode({{"f", ascii130}}),
+        (Params{{"f*0", std::string(60, 'x')}, {"f*1", std::string(60, 'x')}, {"f*2", std::string(9, 'x') + "y"}}));
     EXPECT_EQ(encode({{"f", ascii130}}, -1), (Params{{"f", ascii130}}));
     EXPECT_EQ(encode({{"charset", "us-ascii"}, {"x*", "v"}, {"a%b", "v"}, {"sp", "a (b)"}}),
               (Params{{"charset", "us-ascii"}, {"sp", "a (b)"}}));

@@ -48,10 +48,11 @@ const std::string kProviderInfo = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\r\
                                   "cke GmbH</DataProviderString>"
                                   "<ProviderID>urn:example:provider:42</ProviderID></ProviderInfo>\r\n";
 
-const std::string kComment = crlf("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                                  "<EmergencyCallData.Comment xmlns=\"urn:ietf:params:xml:ns:EmergencyCallData:Comment\">\n"
-                                  "  <Comment xml:lang=\"en\">Caller is hearing impaired</Comment>\n"
-                                  "</EmergencyCallData.Comment>\n");
+const std::string kComment =
+    crlf("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+         "<EmergencyCallData.Comment xmlns=\"urn:ietf:params:xml:ns:EmergencyCallData:Comment\">\n"
+         "  <Comment xml:lang=\"en\">Caller is hearing impaired</Comment>\n"
+         "</EmergencyCallData.Comment>\n");
 
 // The body of an emergency INVITE, with the Content-* lines of the SIP message.
 std::string emergencyInvite()
@@ -174,8 +175,8 @@ void walk(MIME_ENTITY *ent, MIME_OPTIONS *mo, const std::string &number, std::ve
         return;
     }
     leaves.push_back({number, text(mimeContentTypeObj(type.get())),
-                      disposition ? text(mimeContentDispositionObj(disposition.get())) : "",
-                      id ? utf8(id.get()) : "", body ? bytesOf(body.get()) : ""});
+                      disposition ? text(mimeContentDispositionObj(disposition.get())) : "", id ? utf8(id.get()) : "",
+                      body ? bytesOf(body.get()) : ""});
 }
 
 std::vector<Leaf> leavesOf(const std::string &message)
@@ -220,8 +221,10 @@ TEST(Samples, EmergencyCallInvite)
     const std::vector<Leaf> want = {
         {"1", "application/sdp", "", "", kSdp},
         {"2", "application/pidf+xml", "", "target123@example.net", kPidf},
-        {"3", "application/emergencycalldata.providerinfo+xml", "by-reference", "1234567890@example.net", kProviderInfo},
-        {"4", "application/emergencycalldata.comment+xml", "by-reference {handling=optional}", "abc@example.net", kComment},
+        {"3", "application/emergencycalldata.providerinfo+xml", "by-reference", "1234567890@example.net",
+         kProviderInfo},
+        {"4", "application/emergencycalldata.comment+xml", "by-reference {handling=optional}", "abc@example.net",
+         kComment},
     };
     EXPECT_EQ(leaves, want);
     // Registered types go back on the wire in their registered spelling.
@@ -249,8 +252,11 @@ TEST(Samples, MailWithAlternativeAndAttachment)
     std::vector<Leaf> leaves = leavesOf(mail());
     const std::vector<Leaf> want = {
         {"1.1", "text/plain {charset=utf-8}", "", "",
-         "Gr\xc3\xbc\xc3\x9f" "e aus M\xc3\xbcnchen, the report is attached and it is a long line."},
-        {"1.2", "text/html {charset=utf-8}", "", "", "<p>Gr\xc3\xbc\xc3\x9f" "e</p>"},
+         "Gr\xc3\xbc\xc3\x9f"
+         "e aus M\xc3\xbcnchen, the report is attached and it is a long line."},
+        {"1.2", "text/html {charset=utf-8}", "", "",
+         "<p>Gr\xc3\xbc\xc3\x9f"
+         "e</p>"},
         {"2", "application/pdf {name=report.pdf}", "attachment {filename=Bericht M\xc3\xa4rz.pdf}", "", kPdf},
     };
     EXPECT_EQ(leaves, want);

@@ -59,10 +59,17 @@ TEST(CharClasses, MatchTheirSets)
         PB_BOOL (*test)(PB_CHAR);
         std::string set;
     } classes[] = {
-        {mime___CharIsAlpha, alpha},          {mime___CharIsDigit, digit},    {mime___CharIsCr, "\r"},
-        {mime___CharIsLf, "\n"},              {mime___CharIsHtab, "\t"},      {mime___CharIsSpace, " "},
-        {mime___CharIsLwsp, " \t"},           {mime___CharIsQuotationMark, "\""}, {mime___CharIsCtl, ctl},
-        {mime___CharIsTspecial, kTspecials},  {mime___CharIsBcharsNospace, bcharsNospace},
+        {mime___CharIsAlpha, alpha},
+        {mime___CharIsDigit, digit},
+        {mime___CharIsCr, "\r"},
+        {mime___CharIsLf, "\n"},
+        {mime___CharIsHtab, "\t"},
+        {mime___CharIsSpace, " "},
+        {mime___CharIsLwsp, " \t"},
+        {mime___CharIsQuotationMark, "\""},
+        {mime___CharIsCtl, ctl},
+        {mime___CharIsTspecial, kTspecials},
+        {mime___CharIsBcharsNospace, bcharsNospace},
         {mime___CharIsBchars, bcharsNospace + " "},
     };
     for (const auto &cls : classes) {

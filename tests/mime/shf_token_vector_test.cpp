@@ -151,12 +151,12 @@ TEST(ShfFolding, FoldsAtTheDocumentedPositions)
         PB_INT wrap, offset;
         std::string text;
     } rows[] = {
-        {"abcdefghij klm", 20, 14, "abcdefghij\r\n klm"},    // 24 > 20 only after the first piece
-        {"abcdef klm", 20, 14, "abcdef klm"},                // 20 is not past 20
-        {"abcdefg klm", 20, 14, "abcdefg\r\n klm"},          // 21 is
+        {"abcdefghij klm", 20, 14, "abcdefghij\r\n klm"}, // 24 > 20 only after the first piece
+        {"abcdef klm", 20, 14, "abcdef klm"},             // 20 is not past 20
+        {"abcdefg klm", 20, 14, "abcdefg\r\n klm"},       // 21 is
         {"a b c", 0, 0, "a\r\n b\r\n c"},
-        {"a b", 3, 10, "\r\n a b"},                          // the offset alone is past the limit
-        {"a/b;c=d", 2, 0, "a/b\r\n ;c\r\n =d"},              // joined pieces fold too, without a space
+        {"a b", 3, 10, "\r\n a b"},             // the offset alone is past the limit
+        {"a/b;c=d", 2, 0, "a/b\r\n ;c\r\n =d"}, // joined pieces fold too, without a space
         {"a b c d e f g h i j k l m n o p", -1, 1000, "a b c d e f g h i j k l m n o p"},
         {"", 0, 100, ""},
     };
@@ -170,9 +170,9 @@ TEST(ShfFolding, FoldsAtTheDocumentedPositions)
 TEST(ShfFolding, DecodeEncodeDecodeRoundTrip)
 {
     std::mt19937_64 rng(12);
-    const std::vector<std::string> pieces = {"a", "text", "\u00e9", " ", "\t", "\r\n ", "/", ";", "=", "@", ",", ":",
-                                             "?", "<", ">", ")", "]", "\\", "\"q s\"", "\"\"", "(c (n))", "[d.l]",
-                                             "\"e\\\"\""};
+    const std::vector<std::string> pieces = {"a", "text", "\u00e9",  " ",    "\t",      "\r\n ", "/",        ";",
+                                             "=", "@",    ",",       ":",    "?",       "<",     ">",        ")",
+                                             "]", "\\",   "\"q s\"", "\"\"", "(c (n))", "[d.l]", "\"e\\\"\""};
     for (int round = 0; round < 3000; ++round) {
         std::string value;
         for (size_t n = rng() % 16; n > 0; --n)

@@ -119,7 +119,8 @@ using BufferDeathTest = testing::Test;
 TEST(BufferDeathTest, ReadOutsideAborts)
 {
     Ref<PB_BUFFER> b = bytes("abc");
-    EXPECT_DEATH(pbBufferRead(b.get(), 2, 2), assertion("source/pb/pb_buffer.cpp", "offset + count <= pbBufferLength( buf )"));
+    EXPECT_DEATH(pbBufferRead(b.get(), 2, 2),
+                 assertion("source/pb/pb_buffer.cpp", "offset + count <= pbBufferLength( buf )"));
 }
 
 } // namespace

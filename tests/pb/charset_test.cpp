@@ -37,10 +37,11 @@ TEST(Charset, NamesAndAliasesInAnyCase)
         const char *name;
         PB_CHARSET code;
     } rows[] = {
-        {"UTF-8", 44}, {"utf-8", 44}, {"csUTF8", 44}, {"us-ascii", 0}, {"ANSI_X3.4-1968", 0}, {"latin1", 1},
-        {"L1", 1}, {"iso_8859-15", 13}, {"Latin-9", 13}, {"cp1252", -1}, {"WINDOWS-1252", 17}, {"sjis", -1},
-        {"shift_jis", 32}, {"ms_kanji", 32}, {"ks_c_5601-1987", -1}, {"euc-kr", 40}, {"", -1}, {"utf8", -1},
-        {"UTF-8 ", -1}, {"x-unknown", -1}, {"UTF-32LE", 50}, {"IBM437", 26}, {"437", 26}, {"mac", 30},
+        {"UTF-8", 44},        {"utf-8", 44},  {"csUTF8", 44},      {"us-ascii", 0},  {"ANSI_X3.4-1968", 0},
+        {"latin1", 1},        {"L1", 1},      {"iso_8859-15", 13}, {"Latin-9", 13},  {"cp1252", -1},
+        {"WINDOWS-1252", 17}, {"sjis", -1},   {"shift_jis", 32},   {"ms_kanji", 32}, {"ks_c_5601-1987", -1},
+        {"euc-kr", 40},       {"", -1},       {"utf8", -1},        {"UTF-8 ", -1},   {"x-unknown", -1},
+        {"UTF-32LE", 50},     {"IBM437", 26}, {"437", 26},         {"mac", 30},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.name);
@@ -70,9 +71,9 @@ TEST(Charset, ConversionTable)
         {PB_CHARSET_ISO_8859_1, U"a\u00e9", "a\xe9"},
         {PB_CHARSET_ISO_8859_1, U"a\u20ac", "<null>"},
         {PB_CHARSET_UTF_8, U"a\u20ac", "a\xe2\x82\xac"},
-        {PB_CHARSET_UTF_8, std::u32string(1, char32_t{0xD800}), "<null>"},    // no scalar value
+        {PB_CHARSET_UTF_8, std::u32string(1, char32_t{0xD800}), "<null>"}, // no scalar value
         {PB_CHARSET_UTF_16LE, std::u32string(1, char32_t{0xD800}), "<null>"},
-        {PB_CHARSET_SHIFT_JIS, U"a\u20ac", "<null>"},                        // no euro sign there
+        {PB_CHARSET_SHIFT_JIS, U"a\u20ac", "<null>"}, // no euro sign there
         {PB_CHARSET_UTF_16BE, U"a\U0001F600", "\0a\xd8\x3d\xde\x00"s},
     };
     for (const Encode &row : encodes) {
@@ -88,12 +89,20 @@ TEST(Charset, ConversionTable)
         {PB_CHARSET_US_ASCII, "a\x80", 0, "a\xef\xbf\xbd"},
         {PB_CHARSET_US_ASCII, "a\x80", strict, "<null>"},
         {PB_CHARSET_ISO_8859_1, "\xe9\xff", strict, "\xc3\xa9\xc3\xbf"},
-        {PB_CHARSET_SHIFT_JIS, "a\x82", strict, "<null>"},              // lead byte without trail byte
+        {PB_CHARSET_SHIFT_JIS, "a\x82", strict, "<null>"}, // lead byte without trail byte
         {PB_CHARSET_SHIFT_JIS, "a\x82", 0, "a\xef\xbf\xbd"},
-        {PB_CHARSET_EUC_KR, "\xff" "b", 0, "\xef\xbf\xbd" "b"},       // unassigned byte
-        {PB_CHARSET_UTF_16LE, "a\0b"s, strict, "<null>"},               // odd length
+        {PB_CHARSET_EUC_KR,
+         "\xff"
+         "b",
+         0,
+         "\xef\xbf\xbd"
+         "b"},                                            // unassigned byte
+        {PB_CHARSET_UTF_16LE, "a\0b"s, strict, "<null>"}, // odd length
         {PB_CHARSET_UTF_16LE, "a\0b\0"s, strict, "ab"},
-        {PB_CHARSET_UTF_16LE, "\0\xd8" "a\0"s, strict, "<null>"},       // lone surrogate
+        {PB_CHARSET_UTF_16LE,
+         "\0\xd8"
+         "a\0"s,
+         strict, "<null>"}, // lone surrogate
     };
     for (const Decode &row : decodes) {
         SCOPED_TRACE(testing::Message() << "decode " << row.cs << " " << testing::PrintToString(row.in));

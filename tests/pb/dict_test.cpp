@@ -12,8 +12,14 @@ using namespace test;
 
 namespace {
 
-std::string keyAt(PB_DICT *d, PB_INT i) { return text(adopt(pbDictKeyAt(d, i)).get()); }
-std::string valueAt(PB_DICT *d, PB_INT i) { return text(adopt(pbDictValueAt(d, i)).get()); }
+std::string keyAt(PB_DICT *d, PB_INT i)
+{
+    return text(adopt(pbDictKeyAt(d, i)).get());
+}
+std::string valueAt(PB_DICT *d, PB_INT i)
+{
+    return text(adopt(pbDictValueAt(d, i)).get());
+}
 
 void expectMatches(PB_DICT *d, const std::map<std::u32string, std::string> &model)
 {

@@ -10,7 +10,10 @@ using namespace test;
 
 namespace {
 
-PB_INT refs(const void *obj) { return pb::refCount(obj).load(); }
+PB_INT refs(const void *obj)
+{
+    return pb::refCount(obj).load();
+}
 
 // Each value type: how to make one and how to change it through its address.
 // Its text form (pbObjToString) shows what it holds.

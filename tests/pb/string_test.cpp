@@ -20,8 +20,12 @@ TEST(String, CstrLengthIsBytesOrUpToNul)
 
 TEST(String, WcstrReadsCodePointsAndReplacesNonScalars)
 {
-    const wchar_t text[] = {L'a', static_cast<wchar_t>(0x20AC), static_cast<wchar_t>(0x1F600),
-                            static_cast<wchar_t>(0xD800), static_cast<wchar_t>(0x110000), 0};
+    const wchar_t text[] = {L'a',
+                            static_cast<wchar_t>(0x20AC),
+                            static_cast<wchar_t>(0x1F600),
+                            static_cast<wchar_t>(0xD800),
+                            static_cast<wchar_t>(0x110000),
+                            0};
     EXPECT_EQ(codePoints(adopt(pbStringCreateFromWcstr(text, -1)).get()), U"a\u20ac\U0001F600\uFFFD\uFFFD");
     EXPECT_EQ(pbStringLength(adopt(pbStringCreateFromWcstr(text, 2)).get()), 2);
 }
@@ -78,15 +82,21 @@ TEST(String, SplitTable)
         PB_INT max;
         const char *parts; // joined by '|'
     } rows[] = {
-        {"", ",", -1, ""},          {"a,b,c", ",", -1, "a|b|c"}, {",a,", ",", -1, "|a|"},
-        {"a,b,c", ",", 2, "a|b,c"}, {"a,b,c", ",", 1, "a,b,c"},  {"k:v:w", ":", 2, "k|v:w"},
-        {"a\r\nb\r\n", "\r\n", -1, "a|b|"}, {"a\r\r\nb", "\r\n", -1, "a\r|b"}, {"a\nb", "\r\n", -1, "a\nb"},
+        {"", ",", -1, ""},
+        {"a,b,c", ",", -1, "a|b|c"},
+        {",a,", ",", -1, "|a|"},
+        {"a,b,c", ",", 2, "a|b,c"},
+        {"a,b,c", ",", 1, "a,b,c"},
+        {"k:v:w", ":", 2, "k|v:w"},
+        {"a\r\nb\r\n", "\r\n", -1, "a|b|"},
+        {"a\r\r\nb", "\r\n", -1, "a\r|b"},
+        {"a\nb", "\r\n", -1, "a\nb"},
     };
     for (const Row &row : rows) {
         SCOPED_TRACE(row.in);
         Ref<PB_STRING> sep = str(row.sep);
-        Ref<PB_VECTOR> parts =
-            adopt(pbStringSplitChars(str(row.in).get(), pbStringBacking(sep.get()), pbStringLength(sep.get()), row.max));
+        Ref<PB_VECTOR> parts = adopt(
+            pbStringSplitChars(str(row.in).get(), pbStringBacking(sep.get()), pbStringLength(sep.get()), row.max));
         std::string joined;
         for (PB_INT i = 0; i < pbVectorLength(parts.get()); ++i)
             joined += (i ? "|" : "") + text(adopt(pbVectorObjAt(parts.get(), i)).get());

@@ -49,8 +49,7 @@ TEST(Store, EntriesOfEachKind)
 
     EXPECT_EQ(pbStoreLength(s.get()), 3);
     EXPECT_EQ(take(pbStoreKeyAt(s.get(), 0)), "flags");
-    EXPECT_EQ(text(pbStoreObj(s.get())),
-              "{flags=\"A, B\", rfcBaseOptions={lineLength=76}, wrapLineLength=-1}");
+    EXPECT_EQ(text(pbStoreObj(s.get())), "{flags=\"A, B\", rfcBaseOptions={lineLength=76}, wrapLineLength=-1}");
 
     // Setting a key replaces its entry whatever kind it held.
     pbStoreSetValueIntCstr(s.addr(), "flags", -1, 3);

@@ -52,8 +52,13 @@ const int64_t kLineLengths[] = {-1, 0, 1, 4, 5, 7, 32, 64, 76, 77, 100};
 TEST(Base64, Rfc4648Vectors)
 {
     const std::pair<const char *, const char *> vectors[] = {
-        {"", ""},         {"f", "Zg=="},         {"fo", "Zm8="},        {"foo", "Zm9v"},
-        {"foob", "Zm9vYg=="}, {"fooba", "Zm9vYmE="}, {"foobar", "Zm9vYmFy"},
+        {"", ""},
+        {"f", "Zg=="},
+        {"fo", "Zm8="},
+        {"foo", "Zm9v"},
+        {"foob", "Zm9vYg=="},
+        {"fooba", "Zm9vYmE="},
+        {"foobar", "Zm9vYmFy"},
     };
     Ref<RFC_BASE_OPTIONS> options = adopt(rfcBaseOptionsCreate());
     for (auto [raw, text] : vectors) {

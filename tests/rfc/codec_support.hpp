@@ -85,13 +85,15 @@ inline std::string randomBytes(std::mt19937_64 &rng, size_t n)
 // varied length, some "=" and bytes of 128 and more, and the odd bare CR or LF.
 inline std::string randomText(std::mt19937_64 &rng, size_t n)
 {
-    static const std::string pieces[] = {"a", "b", "x", "Z", "7", " ", " ", "\t", "=", "\r\n", "\r\n",
-                                         "\r", "\n", "\xc3\xa9", "\xff", std::string(1, '\0'), ".", "-"};
+    static const std::string pieces[] = {"a", "b",    "x",    "Z",  "7",  " ",        " ",    "\t",
+                                         "=", "\r\n", "\r\n", "\r", "\n", "\xc3\xa9", "\xff", std::string(1, '\0'),
+                                         ".", "-"};
     std::string s;
     std::uniform_int_distribution<size_t> pick(0, std::size(pieces) - 1);
     std::uniform_int_distribution<int> run(0, 90);
     while (s.size() < n) {
-        s.append(static_cast<size_t>(run(rng)) % 8 == 0 ? pieces[pick(rng)] : std::string(1, "abcdefghij KLM"[rng() % 14]));
+        s.append(static_cast<size_t>(run(rng)) % 8 == 0 ? pieces[pick(rng)]
+                                                        : std::string(1, "abcdefghij KLM"[rng() % 14]));
         if (run(rng) == 0)
             s.append(static_cast<size_t>(run(rng)), 'w'); // a long line
     }

@@ -38,7 +38,8 @@ struct QuopTraits {
     static PB_OBJ *obj(T *o) { return rfcQuopOptionsObj(o); }
 };
 
-template <class Traits> class CodecOptions : public testing::Test {};
+template <class Traits> class CodecOptions : public testing::Test {
+};
 using OptionKinds = testing::Types<BaseTraits, QuopTraits>;
 TYPED_TEST_SUITE(CodecOptions, OptionKinds);
 
@@ -121,6 +122,5 @@ TEST(CodecOptionsDeathTest, SettersCheckTheRange)
                  assertion("source/rfc/rfc_base_options.cpp", "setting.valid( value )"));
     EXPECT_DEATH(rfcQuopOptionsSetMaxLineLength(quop.addr(), 77),
                  assertion("source/rfc/rfc_quop_options.cpp", "setting.valid( value )"));
-    EXPECT_DEATH(rfcQuopOptionsSetMaxLineLength(nullptr, 40),
-                 assertion("source/rfc/rfc_quop_options.cpp", "options"));
+    EXPECT_DEATH(rfcQuopOptionsSetMaxLineLength(nullptr, 40), assertion("source/rfc/rfc_quop_options.cpp", "options"));
 }

@@ -74,13 +74,13 @@ TEST(Quop, EncoderChoices)
         {"\n", "=0A"},
         {"\r\r\n\n", "=0D\r\n=0A"},
         {std::string("\xff\x00\x7f\xc3\xa9", 5), "=FF=00=7F=C3=A9"},
-        {a(76), a(76)},                                  // a line at the limit stays whole
+        {a(76), a(76)}, // a line at the limit stays whole
         {a(76) + "\r\n" + a(76), a(76) + "\r\n" + a(76)},
         {a(77), a(75) + "=\r\n" + "aa"},
-        {a(73) + "=", a(73) + "=3D"},                    // the last escape may fill the line
-        {a(74) + "=", a(74) + "=\r\n=3D"},               // an escape is never split
-        {a(73) + "=b", a(73) + "=\r\n=3Db"},             // room for the soft break's "="
-        {a(72) + "=b", a(72) + "=3Db"},               // the last byte may fill the line
+        {a(73) + "=", a(73) + "=3D"},        // the last escape may fill the line
+        {a(74) + "=", a(74) + "=\r\n=3D"},   // an escape is never split
+        {a(73) + "=b", a(73) + "=\r\n=3Db"}, // room for the soft break's "="
+        {a(72) + "=b", a(72) + "=3Db"},      // the last byte may fill the line
         {a(72) + "=bc", a(72) + "=3D=\r\nbc"},
         {a(75) + " ", a(75) + "=\r\n=20"},
         {a(74) + " \r\n", a(74) + "=\r\n=20\r\n"},
@@ -103,12 +103,12 @@ TEST(Quop, DecoderRules)
         {"a=\r\nb", "ab"},
         {"a=\nb", "ab"},
         {"a= \t\r\nb", "ab"},
-        {"a =\r\nb", "a b"},          // white space before a soft break is text
-        {"a  \r\nb \t", "a\r\nb"},    // trailing white space is transport padding
+        {"a =\r\nb", "a b"},       // white space before a soft break is text
+        {"a  \r\nb \t", "a\r\nb"}, // trailing white space is transport padding
         {"a \t\nb", "a\nb"},
-        {"a=20 \r\n", "a \r\n"},      // an escaped space stays
+        {"a=20 \r\n", "a \r\n"}, // an escaped space stays
         {"a=09", "a\t"},
-        {"a \rb\r", "a \rb\r"},       // a bare CR ends no line
+        {"a \rb\r", "a \rb\r"}, // a bare CR ends no line
         {"\xe9\x01", "\xe9\x01"},
         {"", ""},
         {"=", std::nullopt},
@@ -136,8 +136,8 @@ TEST(Quop, DecoderRulesAtEveryOffset)
 {
     const std::pair<std::string, std::string> pieces[] = {
         {" \t \r\n", "\r\n"},  {"\t\n", "\n"},       {"=20 \r\n", " \r\n"},
-        {"=\r\n", ""},          {"= \r\n", ""},         {"=41=4a=\n", "AJ"},
-        {"\r \r\n", "\r\r\n"}, {" = \t\r\nx", " x"},     {" =\r\n \r\n", " \r\n"},
+        {"=\r\n", ""},         {"= \r\n", ""},       {"=41=4a=\n", "AJ"},
+        {"\r \r\n", "\r\r\n"}, {" = \t\r\nx", " x"}, {" =\r\n \r\n", " \r\n"},
     };
     for (const rfc::Kernels *k : allKernels())
         for (const auto &[piece, decoded] : pieces)

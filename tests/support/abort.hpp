@@ -11,8 +11,7 @@ namespace test {
 inline testing::Matcher<const std::string &> abortLine(const std::string &message, const std::string &file,
                                                        const std::string &condition)
 {
-    return testing::AllOf(testing::HasSubstr(message + ": " + file + ":"),
-                          testing::HasSubstr(": " + condition + "\n"));
+    return testing::AllOf(testing::HasSubstr(message + ": " + file + ":"), testing::HasSubstr(": " + condition + "\n"));
 }
 
 inline testing::Matcher<const std::string &> assertion(const std::string &file, const std::string &condition)

@@ -19,8 +19,8 @@ inline Ref<PB_STRING> str(std::string_view utf8)
 
 inline Ref<PB_STRING> chars(std::u32string_view cps)
 {
-    return adopt(pbStringCreateFromCharsCopy(reinterpret_cast<const PB_CHAR *>(cps.data()),
-                                             static_cast<PB_INT>(cps.size())));
+    return adopt(
+        pbStringCreateFromCharsCopy(reinterpret_cast<const PB_CHAR *>(cps.data()), static_cast<PB_INT>(cps.size())));
 }
 
 inline std::string utf8(PB_STRING *s)

@@ -8,7 +8,7 @@ bool endsOptions(const std::string &arg)
     return arg == "--";
 }
 
-}  // namespace
+} // namespace
 
 bool Args::takeFlag(std::string_view name)
 {
@@ -63,4 +63,4 @@ Ref<MIME_OPTIONS> defaultOptions()
     return Ref<MIME_OPTIONS>(mimeOptionsCreate());
 }
 
-}  // namespace mimetool
+} // namespace mimetool

@@ -38,7 +38,7 @@ private:
 
 struct Command {
     const char *name;
-    const char *usage;  // the first line is the synopsis
+    const char *usage; // the first line is the synopsis
     int (*run)(Args &args);
 };
 
@@ -55,4 +55,4 @@ extern const Command kExtract;
 extern const Command kPack;
 extern const Command kHeader;
 
-}  // namespace mimetool
+} // namespace mimetool

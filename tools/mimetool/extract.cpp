@@ -21,7 +21,7 @@ constexpr size_t kMaxFilenameBytes = 255;
 struct Target {
     const Part *part;
     std::string name;
-    std::string temporary;  // written, not yet in place
+    std::string temporary; // written, not yet in place
 };
 
 void collectLeaves(const Part &part, std::vector<const Part *> &leaves)
@@ -155,7 +155,7 @@ void writeTargets(const std::string &dir, std::vector<Target> &targets, bool for
     }
 }
 
-}  // namespace
+} // namespace
 
 const Command kExtract = {
     "extract",
@@ -207,4 +207,4 @@ int runExtract(Args &args)
     return 0;
 }
 
-}  // namespace mimetool
+} // namespace mimetool

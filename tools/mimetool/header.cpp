@@ -108,7 +108,7 @@ Ref<MIME_OPTIONS> headerOptions(Args &args)
     return options;
 }
 
-}  // namespace
+} // namespace
 
 const Command kHeader = {
     "header",
@@ -142,4 +142,4 @@ int runHeader(Args &args)
     throw UsageError{"unknown header field " + operands[0]};
 }
 
-}  // namespace mimetool
+} // namespace mimetool

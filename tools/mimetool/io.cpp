@@ -18,7 +18,7 @@ constexpr PB_INT kReadStep = 1 << 16;
     throw InputError{what + ": " + std::strerror(errno)};
 }
 
-}  // namespace
+} // namespace
 
 Ref<PB_BUFFER> readFile(const std::string &path)
 {
@@ -77,4 +77,4 @@ void writeOut(PB_BUFFER *bytes)
                               static_cast<size_t>(pbBufferLength(bytes))));
 }
 
-}  // namespace mimetool
+} // namespace mimetool

@@ -21,4 +21,4 @@ Ref<PB_BUFFER> sampleMessage();
 void writeOut(std::string_view text);
 void writeOut(PB_BUFFER *bytes);
 
-}  // namespace mimetool
+} // namespace mimetool

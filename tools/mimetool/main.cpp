@@ -11,19 +11,18 @@
 namespace mimetool {
 namespace {
 
-constexpr const char *kUsage =
-    "usage: mimetool COMMAND [OPTIONS] ...\n"
-    "\n"
-    "  show [--json] [FILE | -]           print the tree of a message's parts\n"
-    "  extract FILE -o DIR [--force]      write each part's decoded body into DIR\n"
-    "  pack -t TYPE [--boundary B] [--attach] FILE[=MEDIATYPE]...\n"
-    "                                     build a multipart entity from files\n"
-    "  header NAME VALUE                  decode one header value and write it back\n"
-    "\n"
-    "Without a command, mimetool shows its embedded sample: the body of an\n"
-    "emergency-call INVITE. `mimetool COMMAND --help` describes a command.\n"
-    "Exit status: 0 done, 1 malformed input or a file that cannot be read or\n"
-    "written, 2 wrong usage.\n";
+constexpr const char *kUsage = "usage: mimetool COMMAND [OPTIONS] ...\n"
+                               "\n"
+                               "  show [--json] [FILE | -]           print the tree of a message's parts\n"
+                               "  extract FILE -o DIR [--force]      write each part's decoded body into DIR\n"
+                               "  pack -t TYPE [--boundary B] [--attach] FILE[=MEDIATYPE]...\n"
+                               "                                     build a multipart entity from files\n"
+                               "  header NAME VALUE                  decode one header value and write it back\n"
+                               "\n"
+                               "Without a command, mimetool shows its embedded sample: the body of an\n"
+                               "emergency-call INVITE. `mimetool COMMAND --help` describes a command.\n"
+                               "Exit status: 0 done, 1 malformed input or a file that cannot be read or\n"
+                               "written, 2 wrong usage.\n";
 
 constexpr const Command *kCommands[] = {&kShow, &kExtract, &kPack, &kHeader};
 
@@ -80,8 +79,8 @@ int run(const Command &command, std::vector<std::string> args)
     }
 }
 
-}  // namespace
-}  // namespace mimetool
+} // namespace
+} // namespace mimetool
 
 int main(int argc, char **argv)
 {

@@ -15,24 +15,15 @@ struct Extension {
 };
 
 constexpr std::array<Extension, 19> kExtensions = {{
-    {".txt", "text/plain"},
-    {".html", "text/html"},
-    {".htm", "text/html"},
-    {".csv", "text/csv"},
-    {".xml", "application/xml"},
-    {".json", "application/json"},
-    {".sdp", "application/sdp"},
-    {".pidf", "application/pidf+xml"},
-    {".pdf", "application/pdf"},
-    {".zip", "application/zip"},
-    {".gz", "application/gzip"},
-    {".png", "image/png"},
-    {".jpg", "image/jpeg"},
-    {".jpeg", "image/jpeg"},
-    {".gif", "image/gif"},
-    {".svg", "image/svg+xml"},
-    {".wav", "audio/wav"},
-    {".mp3", "audio/mpeg"},
+    {".txt", "text/plain"},      {".html", "text/html"},
+    {".htm", "text/html"},       {".csv", "text/csv"},
+    {".xml", "application/xml"}, {".json", "application/json"},
+    {".sdp", "application/sdp"}, {".pidf", "application/pidf+xml"},
+    {".pdf", "application/pdf"}, {".zip", "application/zip"},
+    {".gz", "application/gzip"}, {".png", "image/png"},
+    {".jpg", "image/jpeg"},      {".jpeg", "image/jpeg"},
+    {".gif", "image/gif"},       {".svg", "image/svg+xml"},
+    {".wav", "audio/wav"},       {".mp3", "audio/mpeg"},
     {".mp4", "video/mp4"},
 }};
 
@@ -93,7 +84,7 @@ Ref<MIME_ENTITY> encodedPart(const std::string &operand, bool attach, MIME_OPTIO
     return Ref<MIME_ENTITY>(mimeEncode(options, body.get(), type.get(), disposition.get(), nullptr));
 }
 
-}  // namespace
+} // namespace
 
 const Command kPack = {
     "pack",
@@ -131,7 +122,7 @@ int runPack(Args &args)
         if (!mimeMultipartBoundaryOkCstr(boundary->c_str(), static_cast<PB_INT>(boundary->size())))
             throw UsageError{"--boundary " + *boundary + " is not a valid boundary (1 to 70 characters of RFC 2046)"};
         mimeContentTypeSetParameterCstrCstrValue(type.address(), "boundary", -1, boundary->c_str(),
-                                                  static_cast<PB_INT>(boundary->size()));
+                                                 static_cast<PB_INT>(boundary->size()));
     }
     Ref<PB_VECTOR> parts(pbVectorCreate());
     for (const std::string &operand : operands) {
@@ -147,4 +138,4 @@ int runPack(Args &args)
     return 0;
 }
 
-}  // namespace mimetool
+} // namespace mimetool

@@ -10,21 +10,47 @@
 
 namespace mimetool {
 
-inline void releaseObject(PB_OBJ *o) { pbObjRelease(o); }
-inline void releaseObject(PB_STRING *o) { pbStringRelease(o); }
-inline void releaseObject(PB_BUFFER *o) { pbBufferRelease(o); }
-inline void releaseObject(PB_VECTOR *o) { pbVectorRelease(o); }
-inline void releaseObject(PB_DICT *o) { pbDictRelease(o); }
-inline void releaseObject(MIME_OPTIONS *o) { mimeOptionsRelease(o); }
-inline void releaseObject(MIME_ENTITY *o) { mimeEntityRelease(o); }
-inline void releaseObject(MIME_CONTENT_TYPE *o) { mimeContentTypeRelease(o); }
-inline void releaseObject(MIME_CONTENT_DISPOSITION *o) { mimeContentDispositionRelease(o); }
+inline void releaseObject(PB_OBJ *o)
+{
+    pbObjRelease(o);
+}
+inline void releaseObject(PB_STRING *o)
+{
+    pbStringRelease(o);
+}
+inline void releaseObject(PB_BUFFER *o)
+{
+    pbBufferRelease(o);
+}
+inline void releaseObject(PB_VECTOR *o)
+{
+    pbVectorRelease(o);
+}
+inline void releaseObject(PB_DICT *o)
+{
+    pbDictRelease(o);
+}
+inline void releaseObject(MIME_OPTIONS *o)
+{
+    mimeOptionsRelease(o);
+}
+inline void releaseObject(MIME_ENTITY *o)
+{
+    mimeEntityRelease(o);
+}
+inline void releaseObject(MIME_CONTENT_TYPE *o)
+{
+    mimeContentTypeRelease(o);
+}
+inline void releaseObject(MIME_CONTENT_DISPOSITION *o)
+{
+    mimeContentDispositionRelease(o);
+}
 
-template <class T>
-class Ref {
+template <class T> class Ref {
 public:
     Ref() = default;
-    explicit Ref(T *adopted) : p_(adopted) {}  // takes over a new reference
+    explicit Ref(T *adopted) : p_(adopted) {} // takes over a new reference
     Ref(const Ref &) = delete;
     Ref &operator=(const Ref &) = delete;
     Ref(Ref &&other) noexcept : p_(std::exchange(other.p_, nullptr)) {}
@@ -56,4 +82,4 @@ private:
     T *p_ = nullptr;
 };
 
-}  // namespace mimetool
+} // namespace mimetool

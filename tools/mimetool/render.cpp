@@ -9,9 +9,8 @@ namespace {
 std::string labelled(PB_STRING *label, PB_DICT *parameters)
 {
     std::string out = shown(label);
-    forEachParameter(parameters, [&](PB_STRING *key, PB_STRING *value) {
-        out += "; " + shown(key) + "=" + shownValue(value);
-    });
+    forEachParameter(parameters,
+                     [&](PB_STRING *key, PB_STRING *value) { out += "; " + shown(key) + "=" + shownValue(value); });
     return out;
 }
 
@@ -31,8 +30,9 @@ void printText(const Part &part, int depth, std::string &out)
            (name ? labelled(name.get(), mimeContentTypeParametersDict(part.type.get())) : "(no Content-Type)") + "\n";
     if (part.disposition) {
         Ref<PB_STRING> type(mimeContentDispositionType(part.disposition.get()));
-        out += detail + "disposition: " +
-               labelled(type.get(), mimeContentDispositionParametersDict(part.disposition.get())) + "\n";
+        out += detail +
+               "disposition: " + labelled(type.get(), mimeContentDispositionParametersDict(part.disposition.get())) +
+               "\n";
     }
     if (part.contentId)
         out += detail + "content-id: <" + shown(part.contentId.get()) + ">\n";
@@ -70,8 +70,9 @@ void printJson(const Part &part, int depth, std::string &out)
     out += indent + "{\n";
     out += field + "\"part\": " + jsonString(part.number) + ",\n";
     out += field + "\"type\": " + jsonOrNull(name.get()) + ",\n";
-    out += field + "\"parameters\": " +
-           (part.type ? jsonParameters(mimeContentTypeParametersDict(part.type.get())) : "{}") + ",\n";
+    out += field +
+           "\"parameters\": " + (part.type ? jsonParameters(mimeContentTypeParametersDict(part.type.get())) : "{}") +
+           ",\n";
     std::string disposition = "null";
     if (part.disposition) {
         Ref<PB_STRING> type(mimeContentDispositionType(part.disposition.get()));
@@ -98,7 +99,7 @@ void printJson(const Part &part, int depth, std::string &out)
     out += "\n" + indent + "}";
 }
 
-}  // namespace
+} // namespace
 
 std::string treeText(const Part &message)
 {
@@ -114,4 +115,4 @@ std::string treeJson(const Part &message)
     return out + "\n";
 }
 
-}  // namespace mimetool
+} // namespace mimetool

@@ -14,4 +14,4 @@ std::string treeText(const Part &message);
 // One JSON object per part, with "parts" for the parts of a multipart entity.
 std::string treeJson(const Part &message);
 
-}  // namespace mimetool
+} // namespace mimetool

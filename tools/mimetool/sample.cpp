@@ -10,4 +10,4 @@ Ref<PB_BUFFER> sampleMessage()
     return Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(mimetool_sample, sizeof mimetool_sample));
 }
 
-}  // namespace mimetool
+} // namespace mimetool

@@ -35,4 +35,4 @@ int runShow(Args &args)
     return 0;
 }
 
-}  // namespace mimetool
+} // namespace mimetool

@@ -46,8 +46,8 @@ bool isToken(PB_STRING *s)
         return false;
     for (PB_INT i = 0; i < length; i++) {
         const PB_CHAR c = chars[i];
-        if (c <= 0x20 || c >= 0x7F || std::string_view("()<>@,;:\\\"/[]?=").find(static_cast<char>(c)) !=
-                                          std::string_view::npos)
+        if (c <= 0x20 || c >= 0x7F ||
+            std::string_view("()<>@,;:\\\"/[]?=").find(static_cast<char>(c)) != std::string_view::npos)
             return false;
     }
     return true;
@@ -84,13 +84,12 @@ bool equalsAscii(const PB_CHAR *chars, std::string_view ascii)
     return true;
 }
 
-}  // namespace
+} // namespace
 
 bool isControlOrBidi(PB_CHAR c)
 {
-    return c < 0x20 || (c >= 0x7F && c <= 0x9F) || (c >= 0x202A && c <= 0x202E) ||
-           (c >= 0x2066 && c <= 0x2069) || c == 0x200E || c == 0x200F || c == 0x061C || c == 0x2028 ||
-           c == 0x2029;
+    return c < 0x20 || (c >= 0x7F && c <= 0x9F) || (c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069) ||
+           c == 0x200E || c == 0x200F || c == 0x061C || c == 0x2028 || c == 0x2029;
 }
 
 std::string utf8(PB_STRING *s)
@@ -169,4 +168,4 @@ bool endsWith(PB_STRING *s, std::string_view ascii)
     return length >= ascii.size() && equalsAscii(pbStringBacking(s) + (length - ascii.size()), ascii);
 }
 
-}  // namespace mimetool
+} // namespace mimetool

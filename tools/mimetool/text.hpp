@@ -36,4 +36,4 @@ std::string excerpt(PB_STRING *s);
 bool startsWith(PB_STRING *s, std::string_view ascii);
 bool endsWith(PB_STRING *s, std::string_view ascii);
 
-}  // namespace mimetool
+} // namespace mimetool

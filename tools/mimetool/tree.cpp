@@ -53,7 +53,7 @@ std::string headerBlockFault(std::string_view part)
     const size_t emptyLine = part.find("\r\n\r\n");
     std::string_view block = part.substr(0, emptyLine);
     if (emptyLine == std::string_view::npos && block.ends_with("\r\n"))
-        block.remove_suffix(2);  // it ends the last line
+        block.remove_suffix(2); // it ends the last line
     std::array<bool, kContentFields.size()> seen{};
     int number = 0;
     while (!block.empty()) {
@@ -190,7 +190,7 @@ bool isTextType(const Part &part)
            endsWith(n, "+json") || (startsWith(n, "application/sdp") && pbStringLength(n) == 15);
 }
 
-}  // namespace
+} // namespace
 
 Part readMessage(PB_BUFFER *content, MIME_OPTIONS *opt)
 {
@@ -245,4 +245,4 @@ Ref<PB_STRING> firstLine(const Part &part)
     return text;
 }
 
-}  // namespace mimetool
+} // namespace mimetool

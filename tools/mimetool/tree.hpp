@@ -10,20 +10,19 @@
 namespace mimetool {
 
 struct Part {
-    std::string number;  // "1" for the message, "1.2" for its second part, ...
-    Ref<MIME_CONTENT_TYPE> type;                // null: no Content-Type field
-    Ref<MIME_CONTENT_DISPOSITION> disposition;  // null: no Content-Disposition field
-    Ref<PB_STRING> contentId;                   // without brackets; null: none
-    MIME_CONTENT_TRANSFER_ENCODING encoding = -1;  // -1: no Content-Transfer-Encoding field
-    Ref<PB_BUFFER> body;                        // decoded; null: the part has no body
+    std::string number;                           // "1" for the message, "1.2" for its second part, ...
+    Ref<MIME_CONTENT_TYPE> type;                  // null: no Content-Type field
+    Ref<MIME_CONTENT_DISPOSITION> disposition;    // null: no Content-Disposition field
+    Ref<PB_STRING> contentId;                     // without brackets; null: none
+    MIME_CONTENT_TRANSFER_ENCODING encoding = -1; // -1: no Content-Transfer-Encoding field
+    Ref<PB_BUFFER> body;                          // decoded; null: the part has no body
     bool multipart = false;
-    std::vector<Part> parts;  // of a multipart body
+    std::vector<Part> parts; // of a multipart body
 };
 
 // Calls visit(key, value) for each entry of a parameter dictionary, in key
 // order; takes over the reference to parameters.
-template <class F>
-void forEachParameter(PB_DICT *parameters, F visit)
+template <class F> void forEachParameter(PB_DICT *parameters, F visit)
 {
     Ref<PB_DICT> dict(parameters);
     for (PB_INT i = 0; i < pbDictLength(dict.get()); i++) {
@@ -49,4 +48,4 @@ Ref<PB_STRING> suggestedFilename(const Part &part);
 // characters; null for other parts.
 Ref<PB_STRING> firstLine(const Part &part);
 
-}  // namespace mimetool
+} // namespace mimetool
