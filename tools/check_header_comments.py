@@ -1,41 +1,40 @@
 #!/usr/bin/env python3
-"""Every exported function in a public header has a comment: the declaration,
-or the group of declarations it starts (no blank line between), follows a
-comment. Library-internal names (three underscores) and declarations generated
-inside macros, which the header's own comment describes, are exempt.
+"""Every exported function is declared in a public header, with a comment of its
+own directly above its declaration: the API reference covers the whole
+interface, library-internal names included.
 
-Usage: check_header_comments.py HEADER..."""
+Usage: check_header_comments.py EXPORT_LIST... -- HEADER..."""
 import re
 import sys
 
-DECLARATION = re.compile(r"^(PB|RFC|MIME)_API\b.*\b(\w+)\(")
+# a function (its name before the parenthesis) or exported data (its name before the semicolon)
+DECLARATION = re.compile(r"^(PB|RFC|MIME)_API\b(?:.*?\b(\w+)\(|\s+extern\b.*?\b(\w+);)")
 
 
-def undocumented(path):
+def declarations(path):
+    """(line number, name, has a comment directly above) for each declaration."""
     lines = open(path, encoding="utf-8").read().split("\n")
-    commented = False  # the current group of lines follows a comment
-    in_comment = False
+    previous = ""
     for number, line in enumerate(lines, 1):
-        stripped = line.strip()
-        if in_comment:
-            in_comment = "*/" not in stripped
-            commented = True
-            continue
-        if not stripped:
-            commented = False
-            continue
-        if stripped.startswith("/*"):
-            in_comment = "*/" not in stripped
-            commented = True
-            continue
         match = DECLARATION.match(line)
-        if match and "___" not in match.group(2) and not commented:
-            yield f"{path}:{number}: {match.group(2)} has no comment"
+        if match:
+            yield number, match.group(2) or match.group(3), previous.endswith("*/")
+        if line.strip():
+            previous = line.strip()
 
 
 def main():
-    faults = [fault for path in sys.argv[1:] for fault in undocumented(path)]
-    print("\n".join(faults) if faults else f"{len(sys.argv) - 1} headers: every exported function has a comment")
+    split = sys.argv.index("--")
+    exported = {name.strip() for path in sys.argv[1:split] for name in open(path) if name.strip()}
+    headers = sys.argv[split + 1:]
+    faults, declared = [], set()
+    for path in headers:
+        for number, name, commented in declarations(path):
+            declared.add(name)
+            if not commented:
+                faults.append(f"{path}:{number}: {name} has no comment of its own")
+    faults += [f"{name} is exported but declared in no public header" for name in sorted(exported - declared)]
+    print("\n".join(faults) if faults else f"{len(headers)} headers: every exported function is declared with a comment")
     return 1 if faults else 0
 
 

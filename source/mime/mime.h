@@ -19,7 +19,6 @@
 #include <mime/mime_module.h>
 #include <mime/mime_multipart.h>
 #include <mime/mime_options.h>
-#include <mime/mime_parameterized.h>
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_shf_token.h>
 #include <mime/mime_shf_token_vector.h>

@@ -11,15 +11,24 @@
 
 PB_BEGIN_DECLS
 
-MIME_API PB_BOOL mime___CharIsAlpha(PB_CHAR c) PB_NOEXCEPT;         /* A-Z a-z */
-MIME_API PB_BOOL mime___CharIsDigit(PB_CHAR c) PB_NOEXCEPT;         /* 0-9 */
-MIME_API PB_BOOL mime___CharIsCr(PB_CHAR c) PB_NOEXCEPT;            /* U+000D */
-MIME_API PB_BOOL mime___CharIsLf(PB_CHAR c) PB_NOEXCEPT;            /* U+000A */
-MIME_API PB_BOOL mime___CharIsHtab(PB_CHAR c) PB_NOEXCEPT;          /* U+0009 */
-MIME_API PB_BOOL mime___CharIsSpace(PB_CHAR c) PB_NOEXCEPT;         /* U+0020 */
-MIME_API PB_BOOL mime___CharIsLwsp(PB_CHAR c) PB_NOEXCEPT;          /* space and tab */
-MIME_API PB_BOOL mime___CharIsQuotationMark(PB_CHAR c) PB_NOEXCEPT; /* U+0022 */
-MIME_API PB_BOOL mime___CharIsCtl(PB_CHAR c) PB_NOEXCEPT;           /* U+0000-U+001F, U+007F */
+/** A-Z a-z */
+MIME_API PB_BOOL mime___CharIsAlpha(PB_CHAR c) PB_NOEXCEPT;
+/** 0-9 */
+MIME_API PB_BOOL mime___CharIsDigit(PB_CHAR c) PB_NOEXCEPT;
+/** U+000D */
+MIME_API PB_BOOL mime___CharIsCr(PB_CHAR c) PB_NOEXCEPT;
+/** U+000A */
+MIME_API PB_BOOL mime___CharIsLf(PB_CHAR c) PB_NOEXCEPT;
+/** U+0009 */
+MIME_API PB_BOOL mime___CharIsHtab(PB_CHAR c) PB_NOEXCEPT;
+/** U+0020 */
+MIME_API PB_BOOL mime___CharIsSpace(PB_CHAR c) PB_NOEXCEPT;
+/** space and tab */
+MIME_API PB_BOOL mime___CharIsLwsp(PB_CHAR c) PB_NOEXCEPT;
+/** U+0022 */
+MIME_API PB_BOOL mime___CharIsQuotationMark(PB_CHAR c) PB_NOEXCEPT;
+/** U+0000-U+001F, U+007F */
+MIME_API PB_BOOL mime___CharIsCtl(PB_CHAR c) PB_NOEXCEPT;
 /** The fifteen tspecials of RFC 2045: ( ) < > @ , ; : \ " / [ ] ? = */
 MIME_API PB_BOOL mime___CharIsTspecial(PB_CHAR c) PB_NOEXCEPT;
 /** RFC 2046 bcharsnospace: digits, letters and ' ( ) + _ , - . / : = ? */

@@ -47,8 +47,32 @@ PB_STRING *mimeContentIdTryDecode(PB_STRING *raw) noexcept
     return nullptr;
 }
 
-PB___TEXT_VARIANTS(PB_BOOL, mimeContentIdOk, (), (), (), ())
+PB_BOOL mimeContentIdOkCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeContentIdOk(pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(PB_STRING *, mimeContentIdEncode, (), (), (), ())
+PB_BOOL mimeContentIdOkWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeContentIdOk(pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(PB_STRING *, mimeContentIdTryDecode, (), (), (), ())
+PB_STRING *mimeContentIdEncodeCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeContentIdEncode(pb::Text(text, length));
+}
+
+PB_STRING *mimeContentIdEncodeWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeContentIdEncode(pb::Text(text, length));
+}
+
+PB_STRING *mimeContentIdTryDecodeCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeContentIdTryDecode(pb::Text(text, length));
+}
+
+PB_STRING *mimeContentIdTryDecodeWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeContentIdTryDecode(pb::Text(text, length));
+}

@@ -138,5 +138,14 @@ PB_BOOL mimeContentTransferEncodingCheck(MIME_CONTENT_TRANSFER_ENCODING cte, PB_
                    cte == MIME_CONTENT_TRANSFER_ENCODING_8BIT);
 }
 
-PB___TEXT_VARIANTS(MIME_CONTENT_TRANSFER_ENCODING, mimeContentTransferEncodingTryDecode, (), (), (, MIME_OPTIONS *mo),
-                   (, mo))
+MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeCstr(const char *text, PB_INT length,
+                                                                        MIME_OPTIONS *mo) noexcept
+{
+    return mimeContentTransferEncodingTryDecode(pb::Text(text, length), mo);
+}
+
+MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeWcstr(const wchar_t *text, PB_INT length,
+                                                                         MIME_OPTIONS *mo) noexcept
+{
+    return mimeContentTransferEncodingTryDecode(pb::Text(text, length), mo);
+}

@@ -28,8 +28,10 @@ MIME_API PB_STRING *mimeContentTransferEncodingToString(MIME_CONTENT_TRANSFER_EN
  * comments, one of the five names in any letter case. -1 otherwise. */
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecode(PB_STRING *cte,
                                                                              MIME_OPTIONS *mo) PB_NOEXCEPT;
+/** mimeContentTransferEncodingTryDecode for text in UTF-8 (length -1: up to the NUL). */
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeCstr(const char *text, PB_INT length,
                                                                                  MIME_OPTIONS *mo) PB_NOEXCEPT;
+/** mimeContentTransferEncodingTryDecode for text in wide characters (length -1: up to the NUL). */
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeWcstr(const wchar_t *text, PB_INT length,
                                                                                   MIME_OPTIONS *mo) PB_NOEXCEPT;
 /** The wire name as a header value, folded when firstLineOffset is already past

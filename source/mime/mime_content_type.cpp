@@ -4,14 +4,63 @@
 #include <mime/mime_parameterized.hpp>
 #include <mime/mime_shf_token_vector.h>
 
+using pb::adopt;
+using pb::Ref;
+namespace parameterized = mime::parameterized;
+
 struct MIME_CONTENT_TYPE {
     PB_OBJ_HEADER header;
-    PB_STRING *name;
-    PB_DICT *parameters;
+    parameterized::Fields fields; // label: the media type name
 };
 
-MIME___PARAMETERIZED_DEFINE(ContentType, MIME_CONTENT_TYPE, type, Name, name, name,
-                            mime___ContentTypeNameWireFormatDict, PB_ASSERT( name ))
+// Registered spellings of media type names, keyed by their lower-case forms.
+static PB_DICT *mime___ContentTypeNameWireFormatDict = nullptr;
+
+namespace {
+
+extern "C" {
+static void mime___ContentTypeFreeFunc(PB_OBJ *obj) noexcept;
+static PB_INT mime___ContentTypeCompareFunc(PB_OBJ *thisContentType, PB_OBJ *thatContentType) noexcept;
+static PB_STRING *mime___ContentTypeToStringFunc(PB_OBJ *obj) noexcept;
+}
+
+} // namespace
+
+MIME___SORT_DEFINE(ContentType, MIME_CONTENT_TYPE, mime___ContentTypeFreeFunc, mime___ContentTypeCompareFunc,
+                   mime___ContentTypeToStringFunc)
+
+namespace {
+
+void mime___ContentTypeFreeFunc(PB_OBJ *obj) noexcept
+{
+    parameterized::release(mimeContentTypeFrom(obj)->fields);
+}
+
+PB_INT mime___ContentTypeCompareFunc(PB_OBJ *thisContentType, PB_OBJ *thatContentType) noexcept
+{
+    PB_ASSERT( thisContentType );
+    PB_ASSERT( thatContentType );
+    return parameterized::compare(mimeContentTypeFrom(thisContentType)->fields,
+                                  mimeContentTypeFrom(thatContentType)->fields);
+}
+
+PB_STRING *mime___ContentTypeToStringFunc(PB_OBJ *obj) noexcept
+{
+    return parameterized::text(mimeContentTypeFrom(obj)->fields);
+}
+
+// A new value from a normalised name and parameters under normalised keys.
+MIME_CONTENT_TYPE *createNormalized(PB_STRING *name, PB_DICT *parameters) noexcept
+{
+    return parameterized::create<MIME_CONTENT_TYPE>(mimeContentTypeSort(), name, parameters);
+}
+
+Ref<PB_STRING> normalizedKey(PB_STRING *key) noexcept
+{
+    return adopt(mimeContentTypeParameterKeyNormalize(key));
+}
+
+} // namespace
 
 // Rule N: letters, digits, + - . _ and exactly one "/", neither first nor last.
 PB_BOOL mimeContentTypeNameOk(PB_STRING *name) noexcept
@@ -32,6 +81,207 @@ PB_BOOL mimeContentTypeNameOk(PB_STRING *name) noexcept
     return slash > 0 && slash < n - 1;
 }
 
+PB_STRING *mimeContentTypeNameNormalize(PB_STRING *name) noexcept
+{
+    PB_ASSERT( mimeContentTypeNameOk( name ) );
+    return parameterized::lowered(name);
+}
+
+PB_STRING *mimeContentTypeNameToWireFormat(PB_STRING *name) noexcept
+{
+    PB_ASSERT( name );
+    Ref<PB_STRING> normalized = adopt(mimeContentTypeNameNormalize(name));
+    return parameterized::wireFormat(mime___ContentTypeNameWireFormatDict, normalized.get());
+}
+
+PB_BOOL mimeContentTypeParameterKeyOk(PB_STRING *key) noexcept
+{
+    return parameterized::keyOk(key);
+}
+
+PB_STRING *mimeContentTypeParameterKeyNormalize(PB_STRING *key) noexcept
+{
+    PB_ASSERT( mimeContentTypeParameterKeyOk( key ) );
+    return parameterized::lowered(key);
+}
+
+MIME_CONTENT_TYPE *mimeContentTypeCreate(PB_STRING *name) noexcept
+{
+    Ref<PB_STRING> normalized = adopt(mimeContentTypeNameNormalize(name));
+    Ref<PB_DICT> parameters = adopt(pbDictCreate());
+    return createNormalized(normalized.get(), parameters.get());
+}
+
+MIME_CONTENT_TYPE *mimeContentTypeCreateCstr(const char *name, PB_INT length) noexcept
+{
+    return mimeContentTypeCreate(pb::Text(name, length));
+}
+
+MIME_CONTENT_TYPE *mimeContentTypeCreateWcstr(const wchar_t *name, PB_INT length) noexcept
+{
+    return mimeContentTypeCreate(pb::Text(name, length));
+}
+
+MIME_CONTENT_TYPE *mimeContentTypeCreateFrom(MIME_CONTENT_TYPE *source) noexcept
+{
+    PB_ASSERT( source );
+    return createNormalized(source->fields.label, source->fields.parameters);
+}
+
+PB_STRING *mimeContentTypeName(MIME_CONTENT_TYPE *type) noexcept
+{
+    PB_ASSERT( type );
+    pb::retain(type->fields.label);
+    return type->fields.label;
+}
+
+void mimeContentTypeSetName(MIME_CONTENT_TYPE **type, PB_STRING *name) noexcept
+{
+    PB_ASSERT_REF(type);
+    PB_ASSERT( name );
+    PB_ASSERT( mimeContentTypeNameOk( name ) );
+    PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom);
+    Ref<PB_STRING> normalized = adopt(mimeContentTypeNameNormalize(name));
+    pb::setField((*type)->fields.label, normalized.get());
+}
+
+void mimeContentTypeSetNameCstr(MIME_CONTENT_TYPE **type, const char *name, PB_INT length) noexcept
+{
+    mimeContentTypeSetName(type, pb::Text(name, length));
+}
+
+void mimeContentTypeSetNameWcstr(MIME_CONTENT_TYPE **type, const wchar_t *name, PB_INT length) noexcept
+{
+    mimeContentTypeSetName(type, pb::Text(name, length));
+}
+
+PB_STRING *mimeContentTypeParameter(MIME_CONTENT_TYPE *type, PB_STRING *key) noexcept
+{
+    PB_ASSERT( type );
+    return parameterized::parameter(type->fields, normalizedKey(key).get());
+}
+
+PB_STRING *mimeContentTypeParameterCstr(MIME_CONTENT_TYPE *type, const char *key, PB_INT length) noexcept
+{
+    return mimeContentTypeParameter(type, pb::Text(key, length));
+}
+
+PB_STRING *mimeContentTypeParameterWcstr(MIME_CONTENT_TYPE *type, const wchar_t *key, PB_INT length) noexcept
+{
+    return mimeContentTypeParameter(type, pb::Text(key, length));
+}
+
+PB_BOOL mimeContentTypeHasParameter(MIME_CONTENT_TYPE *type, PB_STRING *key) noexcept
+{
+    PB_ASSERT( type );
+    return pbDictHasStringKey(type->fields.parameters, normalizedKey(key).get());
+}
+
+PB_BOOL mimeContentTypeHasParameterCstr(MIME_CONTENT_TYPE *type, const char *key, PB_INT length) noexcept
+{
+    return mimeContentTypeHasParameter(type, pb::Text(key, length));
+}
+
+PB_BOOL mimeContentTypeHasParameterWcstr(MIME_CONTENT_TYPE *type, const wchar_t *key, PB_INT length) noexcept
+{
+    return mimeContentTypeHasParameter(type, pb::Text(key, length));
+}
+
+void mimeContentTypeSetParameter(MIME_CONTENT_TYPE **type, PB_STRING *key, PB_STRING *value) noexcept
+{
+    PB_ASSERT_REF(type);
+    PB_ASSERT( value );
+    Ref<PB_STRING> normalized = normalizedKey(key);
+    PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom);
+    pbDictSetStringKey(&(*type)->fields.parameters, normalized.get(), pbStringObj(value));
+}
+
+void mimeContentTypeSetParameterCstr(MIME_CONTENT_TYPE **type, const char *key, PB_INT length,
+                                     PB_STRING *value) noexcept
+{
+    mimeContentTypeSetParameter(type, pb::Text(key, length), value);
+}
+
+void mimeContentTypeSetParameterWcstr(MIME_CONTENT_TYPE **type, const wchar_t *key, PB_INT length,
+                                      PB_STRING *value) noexcept
+{
+    mimeContentTypeSetParameter(type, pb::Text(key, length), value);
+}
+
+void mimeContentTypeSetParameterCstrCstrValue(MIME_CONTENT_TYPE **type, const char *key, PB_INT keyLength,
+                                              const char *value, PB_INT valueLength) noexcept
+{
+    mimeContentTypeSetParameter(type, pb::Text(key, keyLength), pb::Text(value, valueLength));
+}
+
+void mimeContentTypeSetParameterCstrWcstrValue(MIME_CONTENT_TYPE **type, const char *key, PB_INT keyLength,
+                                               const wchar_t *value, PB_INT valueLength) noexcept
+{
+    mimeContentTypeSetParameter(type, pb::Text(key, keyLength), pb::Text(value, valueLength));
+}
+
+void mimeContentTypeSetParameterWcstrCstrValue(MIME_CONTENT_TYPE **type, const wchar_t *key, PB_INT keyLength,
+                                               const char *value, PB_INT valueLength) noexcept
+{
+    mimeContentTypeSetParameter(type, pb::Text(key, keyLength), pb::Text(value, valueLength));
+}
+
+void mimeContentTypeSetParameterWcstrWcstrValue(MIME_CONTENT_TYPE **type, const wchar_t *key, PB_INT keyLength,
+                                                const wchar_t *value, PB_INT valueLength) noexcept
+{
+    mimeContentTypeSetParameter(type, pb::Text(key, keyLength), pb::Text(value, valueLength));
+}
+
+void mimeContentTypeDelParameter(MIME_CONTENT_TYPE **type, PB_STRING *key) noexcept
+{
+    PB_ASSERT_REF(type);
+    Ref<PB_STRING> normalized = normalizedKey(key);
+    PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom);
+    pbDictDelStringKey(&(*type)->fields.parameters, normalized.get());
+}
+
+void mimeContentTypeDelParameterCstr(MIME_CONTENT_TYPE **type, const char *key, PB_INT length) noexcept
+{
+    mimeContentTypeDelParameter(type, pb::Text(key, length));
+}
+
+void mimeContentTypeDelParameterWcstr(MIME_CONTENT_TYPE **type, const wchar_t *key, PB_INT length) noexcept
+{
+    mimeContentTypeDelParameter(type, pb::Text(key, length));
+}
+
+void mimeContentTypeClearParameters(MIME_CONTENT_TYPE **type) noexcept
+{
+    PB_ASSERT_REF(type);
+    PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom);
+    pbDictClear(&(*type)->fields.parameters);
+}
+
+PB_DICT *mimeContentTypeParametersDict(MIME_CONTENT_TYPE *type) noexcept
+{
+    PB_ASSERT( type );
+    pb::retain(type->fields.parameters);
+    return type->fields.parameters;
+}
+
+PB_INT mimeContentTypeParametersLength(MIME_CONTENT_TYPE *type) noexcept
+{
+    PB_ASSERT( type );
+    return pbDictLength(type->fields.parameters);
+}
+
+PB_STRING *mimeContentTypeParameterKeyAt(MIME_CONTENT_TYPE *type, PB_INT index) noexcept
+{
+    PB_ASSERT( type );
+    return parameterized::keyAt(type->fields, index);
+}
+
+PB_STRING *mimeContentTypeParameterValueAt(MIME_CONTENT_TYPE *type, PB_INT index) noexcept
+{
+    PB_ASSERT( type );
+    return parameterized::valueAt(type->fields, index);
+}
+
 void mime___ContentTypeStartup(void) noexcept
 {
     static const char *const registered[] = {
@@ -40,7 +290,12 @@ void mime___ContentTypeStartup(void) noexcept
         "application/EmergencyCallData.SubscriberInfo+xml", "application/EmergencyCallData.Control+xml",
         "application/EmergencyCallData.eCall.MSD",
     };
-    mime___ContentTypeNameWireFormatDict = mime::parameterized::wireFormatTable(registered, std::size(registered));
+    mime___ContentTypeNameWireFormatDict = parameterized::wireFormatTable(registered, std::size(registered));
+}
+
+void mime___ContentTypeShutdown(void) noexcept
+{
+    pb::releaseField(mime___ContentTypeNameWireFormatDict);
 }
 
 MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) noexcept
@@ -55,33 +310,41 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS
     pieces.appendWord(0, true, chars);
     chars.push_back('/');
     pieces.appendWord(2, true, chars);
-    pb::Ref<PB_STRING> name = pb::adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
+    Ref<PB_STRING> name = adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
     if (!mimeContentTypeNameOk(name.get()))
         return nullptr;
-    pb::Ref<PB_DICT> parameters = pb::adopt(mime::parameters::read(pieces, 3, mo));
-    return mime___ContentTypeCreateNormalized(name.get(), parameters.get());
+    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 3, mo));
+    return createNormalized(name.get(), parameters.get());
 }
 
 PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *mo, PB_INT firstLineOffset) noexcept
 {
     PB_ASSERT( contentType );
     PB_ASSERT( mo );
-    pb::Ref<PB_STRING> wire = pb::adopt(mimeContentTypeNameToWireFormat(contentType->name));
-    pb::Ref<PB_VECTOR> parts = pb::adopt(pbStringSplitChar(wire.get(), '/', -1));
+    Ref<PB_STRING> wire = adopt(mimeContentTypeNameToWireFormat(contentType->fields.label));
+    Ref<PB_VECTOR> parts = adopt(pbStringSplitChar(wire.get(), '/', -1));
     PB_VECTOR *typeVector = parts.get();
     PB_ASSERT( pbVectorLength( typeVector ) == 2 );
-    pb::Ref<PB_VECTOR> tokens = pb::adopt(pbVectorCreate());
+    Ref<PB_VECTOR> tokens = adopt(pbVectorCreate());
     for (PB_INT part = 0; part < 2; ++part) {
         if (part == 1) {
-            pb::Ref<MIME_SHF_TOKEN> slash = pb::adopt(mimeShfTokenCreateTspecial('/'));
+            Ref<MIME_SHF_TOKEN> slash = adopt(mimeShfTokenCreateTspecial('/'));
             pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(slash.get()));
         }
-        pb::Ref<PB_STRING> text = pb::adopt(pbStringFrom(pbVectorObjAt(typeVector, part)));
-        pb::Ref<MIME_SHF_TOKEN> tok = pb::adopt(mimeShfTokenCreateRawValue(text.get()));
+        Ref<PB_STRING> text = adopt(pbStringFrom(pbVectorObjAt(typeVector, part)));
+        Ref<MIME_SHF_TOKEN> tok = adopt(mimeShfTokenCreateRawValue(text.get()));
         pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(tok.get()));
     }
-    mime::parameters::write(tokens.addr(), contentType->parameters, mo);
+    mime::parameters::write(tokens.addr(), contentType->fields.parameters, mo);
     return mimeShfTokenVectorEncode(tokens.get(), mo, firstLineOffset);
 }
 
-PB___TEXT_VARIANTS(MIME_CONTENT_TYPE *, mimeContentTypeTryDecode, (), (), (, MIME_OPTIONS *mo), (, mo))
+MIME_CONTENT_TYPE *mimeContentTypeTryDecodeCstr(const char *text, PB_INT length, MIME_OPTIONS *mo) noexcept
+{
+    return mimeContentTypeTryDecode(pb::Text(text, length), mo);
+}
+
+MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWcstr(const wchar_t *text, PB_INT length, MIME_OPTIONS *mo) noexcept
+{
+    return mimeContentTypeTryDecode(pb::Text(text, length), mo);
+}

@@ -72,7 +72,7 @@ __attribute__((target("avx2"))) PB_INT escapedAvx2(const PB_BYTE *b, PB_INT n)
 }
 #endif
 
-PB_INT (*const escaped)
+PB_INT(*const escaped)
 (const PB_BYTE *, PB_INT) = [] {
 #if defined(__x86_64__) && defined(__GNUC__)
     __builtin_cpu_init();
@@ -171,30 +171,16 @@ MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *c
     return ent.release();
 }
 
-namespace {
-
-template <class CharT> MIME_ENTITY *encodeWithText(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
-                                                   MIME_CONTENT_DISPOSITION *contentDisposition,
-                                                   const CharT *optionalContentId, PB_INT length)
-{
-    if (!optionalContentId)
-        return mimeEncode(opt, body, contentType, contentDisposition, nullptr);
-    return pb::withText(optionalContentId, length,
-                        [&](PB_STRING *id) { return mimeEncode(opt, body, contentType, contentDisposition, id); });
-}
-
-} // namespace
-
 MIME_ENTITY *mimeEncodeCstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                             MIME_CONTENT_DISPOSITION *contentDisposition, const char *optionalContentId,
                             PB_INT length) noexcept
 {
-    return encodeWithText(opt, body, contentType, contentDisposition, optionalContentId, length);
+    return mimeEncode(opt, body, contentType, contentDisposition, pb::Text::optional(optionalContentId, length));
 }
 
 MIME_ENTITY *mimeEncodeWcstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                              MIME_CONTENT_DISPOSITION *contentDisposition, const wchar_t *optionalContentId,
                              PB_INT length) noexcept
 {
-    return encodeWithText(opt, body, contentType, contentDisposition, optionalContentId, length);
+    return mimeEncode(opt, body, contentType, contentDisposition, pb::Text::optional(optionalContentId, length));
 }

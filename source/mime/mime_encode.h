@@ -36,6 +36,7 @@ MIME_API MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTEN
 MIME_API MIME_ENTITY *mimeEncodeCstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                                      MIME_CONTENT_DISPOSITION *contentDisposition, const char *optionalContentId,
                                      PB_INT length) PB_NOEXCEPT;
+/** mimeEncode for text in wide characters (length -1: up to the NUL). */
 MIME_API MIME_ENTITY *mimeEncodeWcstr(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *contentType,
                                       MIME_CONTENT_DISPOSITION *contentDisposition, const wchar_t *optionalContentId,
                                       PB_INT length) PB_NOEXCEPT;

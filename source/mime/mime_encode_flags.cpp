@@ -21,7 +21,15 @@ MIME_ENCODE_FLAGS mimeEncodeFlagsFromString(PB_STRING *pbs) noexcept
     return mimeEncodeFlagsNormalize(pbFlagsetParse(mime___EncodeFlagsFlagset, pbs));
 }
 
-PB___TEXT_VARIANTS(MIME_ENCODE_FLAGS, mimeEncodeFlagsFromString, (), (), (), ())
+MIME_ENCODE_FLAGS mimeEncodeFlagsFromStringCstr(const char *pbs, PB_INT length) noexcept
+{
+    return mimeEncodeFlagsFromString(pb::Text(pbs, length));
+}
+
+MIME_ENCODE_FLAGS mimeEncodeFlagsFromStringWcstr(const wchar_t *pbs, PB_INT length) noexcept
+{
+    return mimeEncodeFlagsFromString(pb::Text(pbs, length));
+}
 
 PB_STRING *mimeEncodeFlagsToString(MIME_ENCODE_FLAGS flags) noexcept
 {

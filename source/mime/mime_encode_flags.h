@@ -24,12 +24,16 @@ MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsNormalize(MIME_ENCODE_FLAGS flags) PB_
 
 /** As mimeFlagsFromString and mimeFlagsToString, for encode flags. */
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsFromString(PB_STRING *pbs) PB_NOEXCEPT;
+/** mimeEncodeFlagsFromString for pbs in UTF-8 (length -1: up to the NUL). */
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsFromStringCstr(const char *pbs, PB_INT length) PB_NOEXCEPT;
+/** mimeEncodeFlagsFromString for pbs in wide characters (length -1: up to the NUL). */
 MIME_API MIME_ENCODE_FLAGS mimeEncodeFlagsFromStringWcstr(const wchar_t *pbs, PB_INT length) PB_NOEXCEPT;
+/** A new string naming the set flags, as mimeEncodeFlagsFromString reads them. */
 MIME_API PB_STRING *mimeEncodeFlagsToString(MIME_ENCODE_FLAGS flags) PB_NOEXCEPT;
 
 /** Library-internal: module start-up and shut-down build and release the flag table. */
 MIME_API void mime___EncodeFlagsStartup(void) PB_NOEXCEPT;
+/** Library-internal: releases the flag set at module shut-down. */
 MIME_API void mime___EncodeFlagsShutdown(void) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -92,10 +92,42 @@ MIME___ENTITY_FIELD(ContentTransferEncoding, contentTransferEncoding, PB_STRING)
 MIME___ENTITY_FIELD(ContentId, contentId, PB_STRING)
 MIME___ENTITY_FIELD(Body, body, PB_BUFFER)
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentType, (MIME_ENTITY * *ent, ), (ent, ), (), ())
+void mimeEntitySetContentTypeCstr(MIME_ENTITY **ent, const char *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentType(ent, pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentDisposition, (MIME_ENTITY * *ent, ), (ent, ), (), ())
+void mimeEntitySetContentTypeWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentType(ent, pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentTransferEncoding, (MIME_ENTITY * *ent, ), (ent, ), (), ())
+void mimeEntitySetContentDispositionCstr(MIME_ENTITY **ent, const char *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentDisposition(ent, pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(void, mimeEntitySetContentId, (MIME_ENTITY * *ent, ), (ent, ), (), ())
+void mimeEntitySetContentDispositionWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentDisposition(ent, pb::Text(text, length));
+}
+
+void mimeEntitySetContentTransferEncodingCstr(MIME_ENTITY **ent, const char *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentTransferEncoding(ent, pb::Text(text, length));
+}
+
+void mimeEntitySetContentTransferEncodingWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentTransferEncoding(ent, pb::Text(text, length));
+}
+
+void mimeEntitySetContentIdCstr(MIME_ENTITY **ent, const char *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentId(ent, pb::Text(text, length));
+}
+
+void mimeEntitySetContentIdWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) noexcept
+{
+    mimeEntitySetContentId(ent, pb::Text(text, length));
+}

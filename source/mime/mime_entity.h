@@ -30,7 +30,22 @@ PB_BEGIN_DECLS
 
 typedef struct MIME_ENTITY MIME_ENTITY;
 
-PB_SORT_STDFUNCS_DECL(MIME_API, mime, Entity, MIME_ENTITY)
+/** The sort record of MIME_ENTITY. */
+MIME_API const PB_SORT *mimeEntitySort(void) PB_NOEXCEPT;
+/** Adds a reference to obj and returns it. Aborts when obj is null. */
+MIME_API MIME_ENTITY *mimeEntityRetain(MIME_ENTITY *obj) PB_NOEXCEPT;
+/** Drops a reference to obj, freeing it with the last. Aborts when obj is null. */
+MIME_API void mimeEntityRelease(MIME_ENTITY *obj) PB_NOEXCEPT;
+/** obj as a base object: the same pointer, no reference added. */
+MIME_API PB_OBJ *mimeEntityObj(MIME_ENTITY *obj) PB_NOEXCEPT;
+/** obj as a MIME_ENTITY: the same pointer, no reference added; null passes. Aborts when obj is of another sort. */
+MIME_API MIME_ENTITY *mimeEntityFrom(PB_OBJ *obj) PB_NOEXCEPT;
+/** A new string describing obj (pbObjToString). Aborts when obj is null. */
+MIME_API PB_STRING *mimeEntityToString(MIME_ENTITY *obj) PB_NOEXCEPT;
+/** -1, 0 or 1 as objA orders before, with or after objB, in the sort's order. Aborts when either is null. */
+MIME_API PB_INT mimeEntityCompare(MIME_ENTITY *objA, MIME_ENTITY *objB) PB_NOEXCEPT;
+/** Whether mimeEntityCompare gives 0. */
+MIME_API PB_BOOL mimeEntityEquals(MIME_ENTITY *objA, MIME_ENTITY *objB) PB_NOEXCEPT;
 
 /** A new entity with every field absent. */
 MIME_API MIME_ENTITY *mimeEntityCreate(void) PB_NOEXCEPT;
@@ -41,49 +56,74 @@ MIME_API MIME_ENTITY *mimeEntityCreateFrom(MIME_ENTITY *source) PB_NOEXCEPT;
  * present; set it (the value must not be null; the entity takes its own
  * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Whether the Content-Type value is present. Aborts when ent is null. */
 MIME_API PB_BOOL mimeEntityHasContentType(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Sets the Content-Type value (the entity takes its own reference). Aborts when ent, *ent or contentType is null. */
 MIME_API void mimeEntitySetContentType(MIME_ENTITY **ent, PB_STRING *contentType) PB_NOEXCEPT;
+/** mimeEntitySetContentType for text in UTF-8 (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentTypeCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+/** mimeEntitySetContentType for text in wide characters (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentTypeWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
+/** Removes the Content-Type value; absent stays absent. Aborts when ent or *ent is null. */
 MIME_API void mimeEntityDelContentType(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 /** The Content-Disposition value: a new reference, or null when absent; whether it is
  * present; set it (the value must not be null; the entity takes its own
  * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Whether the Content-Disposition value is present. Aborts when ent is null. */
 MIME_API PB_BOOL mimeEntityHasContentDisposition(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Sets the Content-Disposition value (the entity takes its own reference). Aborts when ent, *ent or
+ * contentDisposition is null. */
 MIME_API void mimeEntitySetContentDisposition(MIME_ENTITY **ent, PB_STRING *contentDisposition) PB_NOEXCEPT;
+/** mimeEntitySetContentDisposition for text in UTF-8 (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentDispositionCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+/** mimeEntitySetContentDisposition for text in wide characters (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentDispositionWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
+/** Removes the Content-Disposition value; absent stays absent. Aborts when ent or *ent is null. */
 MIME_API void mimeEntityDelContentDisposition(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 /** The Content-Transfer-Encoding value: a new reference, or null when absent; whether it is
  * present; set it (the value must not be null; the entity takes its own
  * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Whether the Content-Transfer-Encoding value is present. Aborts when ent is null. */
 MIME_API PB_BOOL mimeEntityHasContentTransferEncoding(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Sets the Content-Transfer-Encoding value (the entity takes its own reference). Aborts when ent, *ent or
+ * contentTransferEncoding is null. */
 MIME_API void mimeEntitySetContentTransferEncoding(MIME_ENTITY **ent, PB_STRING *contentTransferEncoding) PB_NOEXCEPT;
+/** mimeEntitySetContentTransferEncoding for text in UTF-8 (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentTransferEncodingCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+/** mimeEntitySetContentTransferEncoding for text in wide characters (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentTransferEncodingWcstr(MIME_ENTITY **ent, const wchar_t *text,
                                                         PB_INT length) PB_NOEXCEPT;
+/** Removes the Content-Transfer-Encoding value; absent stays absent. Aborts when ent or *ent is null. */
 MIME_API void mimeEntityDelContentTransferEncoding(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 /** The Content-Id value: a new reference, or null when absent; whether it is
  * present; set it (the value must not be null; the entity takes its own
  * reference, or copies the text); delete it (absent stays absent). */
 MIME_API PB_STRING *mimeEntityContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Whether the Content-Id value is present. Aborts when ent is null. */
 MIME_API PB_BOOL mimeEntityHasContentId(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Sets the Content-Id value (the entity takes its own reference). Aborts when ent, *ent or contentId is null. */
 MIME_API void mimeEntitySetContentId(MIME_ENTITY **ent, PB_STRING *contentId) PB_NOEXCEPT;
+/** mimeEntitySetContentId for text in UTF-8 (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentIdCstr(MIME_ENTITY **ent, const char *text, PB_INT length) PB_NOEXCEPT;
+/** mimeEntitySetContentId for text in wide characters (length -1: up to the NUL). */
 MIME_API void mimeEntitySetContentIdWcstr(MIME_ENTITY **ent, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
+/** Removes the Content-Id value; absent stays absent. Aborts when ent or *ent is null. */
 MIME_API void mimeEntityDelContentId(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 /** The body bytes, still transfer-encoded: a new reference, or null when absent;
  * whether it is present; set it (not null; the buffer is shared, not copied);
  * delete it. */
 MIME_API PB_BUFFER *mimeEntityBody(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Whether a body is present (an empty body is present). Aborts when ent is null. */
 MIME_API PB_BOOL mimeEntityHasBody(MIME_ENTITY *ent) PB_NOEXCEPT;
+/** Sets the body (the buffer is shared, not copied). Aborts when ent, *ent or body is null. */
 MIME_API void mimeEntitySetBody(MIME_ENTITY **ent, PB_BUFFER *body) PB_NOEXCEPT;
+/** Removes the body; absent stays absent. Aborts when ent or *ent is null. */
 MIME_API void mimeEntityDelBody(MIME_ENTITY **ent) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -23,7 +23,15 @@ MIME_FLAGS mimeFlagsFromString(PB_STRING *pbs) noexcept
     return mimeFlagsNormalize(pbFlagsetParse(mime___FlagsFlagset, pbs));
 }
 
-PB___TEXT_VARIANTS(MIME_FLAGS, mimeFlagsFromString, (), (), (), ())
+MIME_FLAGS mimeFlagsFromStringCstr(const char *pbs, PB_INT length) noexcept
+{
+    return mimeFlagsFromString(pb::Text(pbs, length));
+}
+
+MIME_FLAGS mimeFlagsFromStringWcstr(const wchar_t *pbs, PB_INT length) noexcept
+{
+    return mimeFlagsFromString(pb::Text(pbs, length));
+}
 
 PB_STRING *mimeFlagsToString(MIME_FLAGS flags) noexcept
 {

@@ -34,7 +34,9 @@ MIME_API MIME_FLAGS mimeFlagsNormalize(MIME_FLAGS flags) PB_NOEXCEPT;
  * white space, in any letter case; unknown names are ignored. pbs must not be
  * null. Only between module start-up and shut-down. */
 MIME_API MIME_FLAGS mimeFlagsFromString(PB_STRING *pbs) PB_NOEXCEPT;
+/** mimeFlagsFromString for pbs in UTF-8 (length -1: up to the NUL). */
 MIME_API MIME_FLAGS mimeFlagsFromStringCstr(const char *pbs, PB_INT length) PB_NOEXCEPT;
+/** mimeFlagsFromString for pbs in wide characters (length -1: up to the NUL). */
 MIME_API MIME_FLAGS mimeFlagsFromStringWcstr(const wchar_t *pbs, PB_INT length) PB_NOEXCEPT;
 
 /** Returns a new string naming the normalised flags, such as
@@ -46,6 +48,7 @@ MIME_API PB_STRING *mimeFlagsToString(MIME_FLAGS flags) PB_NOEXCEPT;
 /** Build and release the flag set behind the text conversions; run by the module's
  * start-up and shut-down. */
 MIME_API void mime___FlagsStartup(void) PB_NOEXCEPT;
+/** Library-internal: releases the flag set at module shut-down. */
 MIME_API void mime___FlagsShutdown(void) PB_NOEXCEPT;
 
 PB_END_DECLS

@@ -17,7 +17,9 @@ MIME_API const PB_MODULE *mimeModule(void) PB_NOEXCEPT;
 
 /** The module object, its record and its version text, as the loader reads them. */
 MIME_API extern const PB_MODULE mime___module;
+/** The module's record (name, description, version, dependencies), as the loader reads it. */
 MIME_API extern const PB_MODULE_RECORD mime___module_record;
+/** The module's version text, as the loader reads it. */
 MIME_API extern const char *const mime___module_version_string;
 
 PB_END_DECLS

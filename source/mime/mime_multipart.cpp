@@ -278,4 +278,12 @@ PB_VECTOR *mimeMultipartTryUnpack(MIME_CONTENT_TYPE *contentType, PB_BUFFER *con
     return nullptr; // no delimiter at all
 }
 
-PB___TEXT_VARIANTS(PB_BOOL, mimeMultipartBoundaryOk, (), (), (), ())
+PB_BOOL mimeMultipartBoundaryOkCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeMultipartBoundaryOk(pb::Text(text, length));
+}
+
+PB_BOOL mimeMultipartBoundaryOkWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeMultipartBoundaryOk(pb::Text(text, length));
+}

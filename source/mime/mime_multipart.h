@@ -34,7 +34,9 @@ PB_BEGIN_DECLS
 
 /** Whether pbs is a valid boundary (see above). */
 MIME_API PB_BOOL mimeMultipartBoundaryOk(PB_STRING *pbs) PB_NOEXCEPT;
+/** mimeMultipartBoundaryOk for text in UTF-8 (length -1: up to the NUL). */
 MIME_API PB_BOOL mimeMultipartBoundaryOkCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+/** mimeMultipartBoundaryOk for text in wide characters (length -1: up to the NUL). */
 MIME_API PB_BOOL mimeMultipartBoundaryOkWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 /** A new random boundary of 10 letters and digits. */
 MIME_API PB_STRING *mimeMultipartBoundaryGenerate(void) PB_NOEXCEPT;

@@ -11,7 +11,7 @@
 // with PB_ASSERT_REF(type) (conditions "type", "*type"), then its value
 // arguments, then unshares with PB_OBJ_UNSHARE((*type), mimeContentTypeCreateFrom)
 // (condition "((*type))"), then changes fields with pb::setField. Cstr/Wcstr
-// variants come from PB___TEXT_VARIANTS.
+// variants wrap their text in pb::Text (pb_text.hpp).
 #pragma once
 
 #include <mime/mime_module.h>

@@ -187,8 +187,32 @@ PB_STRING *mimeShfTokenValue(MIME_SHF_TOKEN *tok) noexcept
     return stringOf(value);
 }
 
-PB___TEXT_VARIANTS(MIME_SHF_TOKEN *, mimeShfTokenCreateTokenOrQuotedString, (), (), (), ())
+MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeShfTokenCreateTokenOrQuotedString(pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(MIME_SHF_TOKEN *, mimeShfTokenCreateComment, (), (), (), ())
+MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeShfTokenCreateTokenOrQuotedString(pb::Text(text, length));
+}
 
-PB___TEXT_VARIANTS(MIME_SHF_TOKEN *, mimeShfTokenCreateRawValue, (), (), (), ())
+MIME_SHF_TOKEN *mimeShfTokenCreateCommentCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeShfTokenCreateComment(pb::Text(text, length));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateCommentWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeShfTokenCreateComment(pb::Text(text, length));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateRawValueCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeShfTokenCreateRawValue(pb::Text(text, length));
+}
+
+MIME_SHF_TOKEN *mimeShfTokenCreateRawValueWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeShfTokenCreateRawValue(pb::Text(text, length));
+}

@@ -145,4 +145,12 @@ PB_STRING *mimeShfTokenVectorEncode(PB_VECTOR *vec, MIME_OPTIONS *mo, PB_INT fir
     return out.release();
 }
 
-PB___TEXT_VARIANTS(PB_VECTOR *, mimeShfTokenVectorTryDecode, (), (), (), ())
+PB_VECTOR *mimeShfTokenVectorTryDecodeCstr(const char *text, PB_INT length) noexcept
+{
+    return mimeShfTokenVectorTryDecode(pb::Text(text, length));
+}
+
+PB_VECTOR *mimeShfTokenVectorTryDecodeWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return mimeShfTokenVectorTryDecode(pb::Text(text, length));
+}

@@ -20,7 +20,9 @@ PB_BEGIN_DECLS
  * backslash, holds a CR that does not start a fold (CR LF and a space or tab), or
  * (a domain literal) holds an unescaped "[". Linear in the length of the value. */
 MIME_API PB_VECTOR *mimeShfTokenVectorTryDecode(PB_STRING *value) PB_NOEXCEPT;
+/** mimeShfTokenVectorTryDecode for text in UTF-8 (length -1: up to the NUL). */
 MIME_API PB_VECTOR *mimeShfTokenVectorTryDecodeCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+/** mimeShfTokenVectorTryDecode for text in wide characters (length -1: up to the NUL). */
 MIME_API PB_VECTOR *mimeShfTokenVectorTryDecodeWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
 /** Removes the comments from *vec, keeping the other tokens in their order; other

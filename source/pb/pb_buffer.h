@@ -18,7 +18,22 @@ PB_BEGIN_DECLS
 
 typedef struct PB_BUFFER PB_BUFFER;
 
-PB_SORT_STDFUNCS_DECL(PB_API, pb, Buffer, PB_BUFFER)
+/** The sort record of PB_BUFFER. */
+PB_API const PB_SORT *pbBufferSort(void) PB_NOEXCEPT;
+/** Adds a reference to obj and returns it. Aborts when obj is null. */
+PB_API PB_BUFFER *pbBufferRetain(PB_BUFFER *obj) PB_NOEXCEPT;
+/** Drops a reference to obj, freeing it with the last. Aborts when obj is null. */
+PB_API void pbBufferRelease(PB_BUFFER *obj) PB_NOEXCEPT;
+/** obj as a base object: the same pointer, no reference added. */
+PB_API PB_OBJ *pbBufferObj(PB_BUFFER *obj) PB_NOEXCEPT;
+/** obj as a PB_BUFFER: the same pointer, no reference added; null passes. Aborts when obj is of another sort. */
+PB_API PB_BUFFER *pbBufferFrom(PB_OBJ *obj) PB_NOEXCEPT;
+/** A new string describing obj (pbObjToString). Aborts when obj is null. */
+PB_API PB_STRING *pbBufferToString(PB_BUFFER *obj) PB_NOEXCEPT;
+/** -1, 0 or 1 as objA orders before, with or after objB, in the sort's order. Aborts when either is null. */
+PB_API PB_INT pbBufferCompare(PB_BUFFER *objA, PB_BUFFER *objB) PB_NOEXCEPT;
+/** Whether pbBufferCompare gives 0. */
+PB_API PB_BOOL pbBufferEquals(PB_BUFFER *objA, PB_BUFFER *objB) PB_NOEXCEPT;
 
 /** The largest length of a buffer in bytes (its length in bits fits a PB_INT). */
 #define PB_BUFFER_MAX_LENGTH (PB_INT_MAX / 8)
@@ -39,8 +54,11 @@ PB_API const PB_BYTE *pbBufferBacking(PB_BUFFER *buf) PB_NOEXCEPT;
 /** Append to *buf: another buffer's bits, one byte, length bytes, or bitCount bits
  * (bits read most significant first from bits[0]). */
 PB_API void pbBufferAppend(PB_BUFFER **buf, PB_BUFFER *other) PB_NOEXCEPT;
+/** Appends one byte to *buf (a private copy when *buf is shared). */
 PB_API void pbBufferAppendByte(PB_BUFFER **buf, PB_BYTE byte) PB_NOEXCEPT;
+/** Appends length bytes to *buf (a private copy when *buf is shared). */
 PB_API void pbBufferAppendBytes(PB_BUFFER **buf, const void *bytes, PB_INT length) PB_NOEXCEPT;
+/** Appends bitCount bits, read most significant first from bits[0], to *buf (a private copy when *buf is shared). */
 PB_API void pbBufferAppendBits(PB_BUFFER **buf, const void *bits, PB_INT bitCount) PB_NOEXCEPT;
 
 /** Makes *buf length bytes longer and returns where those bytes go, for the caller

@@ -532,8 +532,25 @@ PB_CHARSET pbCharsetFromString(PB_STRING *text) noexcept
     return lookup(text);
 }
 
-PB___TEXT_VARIANTS(PB_CHARSET, pbCharsetFromIanaName, (), (), (), ())
-PB___TEXT_VARIANTS(PB_CHARSET, pbCharsetFromString, (), (), (), ())
+PB_CHARSET pbCharsetFromIanaNameCstr(const char *name, PB_INT length) noexcept
+{
+    return pbCharsetFromIanaName(pb::Text(name, length));
+}
+
+PB_CHARSET pbCharsetFromIanaNameWcstr(const wchar_t *name, PB_INT length) noexcept
+{
+    return pbCharsetFromIanaName(pb::Text(name, length));
+}
+
+PB_CHARSET pbCharsetFromStringCstr(const char *text, PB_INT length) noexcept
+{
+    return pbCharsetFromString(pb::Text(text, length));
+}
+
+PB_CHARSET pbCharsetFromStringWcstr(const wchar_t *text, PB_INT length) noexcept
+{
+    return pbCharsetFromString(pb::Text(text, length));
+}
 
 PB_BUFFER *pbCharsetConvertStringToBuffer(PB_CHARSET charset, PB_STRING *s) noexcept
 {

@@ -79,7 +79,9 @@ PB_BEGIN_DECLS
 /** The code of the charset with that IANA name or registered alias (any case), or
  * -1 when there is none (the empty name included). */
 PB_API PB_CHARSET pbCharsetFromIanaName(PB_STRING *name) PB_NOEXCEPT;
+/** pbCharsetFromIanaName for name in UTF-8 (length -1: up to the NUL). */
 PB_API PB_CHARSET pbCharsetFromIanaNameCstr(const char *name, PB_INT length) PB_NOEXCEPT;
+/** pbCharsetFromIanaName for name in wide characters (length -1: up to the NUL). */
 PB_API PB_CHARSET pbCharsetFromIanaNameWcstr(const wchar_t *name, PB_INT length) PB_NOEXCEPT;
 
 /** A new string, the preferred IANA name of a valid code ("UTF-8" for 44). */
@@ -88,8 +90,11 @@ PB_API PB_STRING *pbCharsetToIanaName(PB_CHARSET charset) PB_NOEXCEPT;
 /** The code's text form for stores (its IANA name), and the inverse, which reads
  * what pbCharsetFromIanaName reads (-1 for an unknown text). */
 PB_API PB_STRING *pbCharsetToString(PB_CHARSET charset) PB_NOEXCEPT;
+/** The code of a text that pbCharsetFromIanaName reads, or -1 for an unknown text. */
 PB_API PB_CHARSET pbCharsetFromString(PB_STRING *text) PB_NOEXCEPT;
+/** pbCharsetFromString for text in UTF-8 (length -1: up to the NUL). */
 PB_API PB_CHARSET pbCharsetFromStringCstr(const char *text, PB_INT length) PB_NOEXCEPT;
+/** pbCharsetFromString for text in wide characters (length -1: up to the NUL). */
 PB_API PB_CHARSET pbCharsetFromStringWcstr(const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
 /** A new buffer with s encoded in the charset, or null when some code point has no

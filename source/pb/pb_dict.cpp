@@ -142,7 +142,42 @@ void pbDictClear(PB_DICT **dict) noexcept
     pb::mapClear((*dict)->map);
 }
 
-PB___TEXT_VARIANTS(PB_OBJ *, pbDictStringKey, (PB_DICT * dict, ), (dict, ), (), ())
-PB___TEXT_VARIANTS(PB_BOOL, pbDictHasStringKey, (PB_DICT * dict, ), (dict, ), (), ())
-PB___TEXT_VARIANTS(void, pbDictSetStringKey, (PB_DICT * *dict, ), (dict, ), (, PB_OBJ *value), (, value))
-PB___TEXT_VARIANTS(void, pbDictDelStringKey, (PB_DICT * *dict, ), (dict, ), (), ())
+PB_OBJ *pbDictStringKeyCstr(PB_DICT *dict, const char *key, PB_INT length) noexcept
+{
+    return pbDictStringKey(dict, pb::Text(key, length));
+}
+
+PB_OBJ *pbDictStringKeyWcstr(PB_DICT *dict, const wchar_t *key, PB_INT length) noexcept
+{
+    return pbDictStringKey(dict, pb::Text(key, length));
+}
+
+PB_BOOL pbDictHasStringKeyCstr(PB_DICT *dict, const char *key, PB_INT length) noexcept
+{
+    return pbDictHasStringKey(dict, pb::Text(key, length));
+}
+
+PB_BOOL pbDictHasStringKeyWcstr(PB_DICT *dict, const wchar_t *key, PB_INT length) noexcept
+{
+    return pbDictHasStringKey(dict, pb::Text(key, length));
+}
+
+void pbDictSetStringKeyCstr(PB_DICT **dict, const char *key, PB_INT length, PB_OBJ *value) noexcept
+{
+    pbDictSetStringKey(dict, pb::Text(key, length), value);
+}
+
+void pbDictSetStringKeyWcstr(PB_DICT **dict, const wchar_t *key, PB_INT length, PB_OBJ *value) noexcept
+{
+    pbDictSetStringKey(dict, pb::Text(key, length), value);
+}
+
+void pbDictDelStringKeyCstr(PB_DICT **dict, const char *key, PB_INT length) noexcept
+{
+    pbDictDelStringKey(dict, pb::Text(key, length));
+}
+
+void pbDictDelStringKeyWcstr(PB_DICT **dict, const wchar_t *key, PB_INT length) noexcept
+{
+    pbDictDelStringKey(dict, pb::Text(key, length));
+}

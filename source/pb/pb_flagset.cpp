@@ -180,6 +180,32 @@ PB_STRING *pbFlagsetGenerate(PB_FLAGSET *set, uint64_t bits) noexcept
     return s;
 }
 
-PB___TEXT_VARIANTS(void, pbFlagsetSetFlag, (PB_FLAGSET * *set, ), (set, ), (, uint64_t value), (, value))
-PB___TEXT_VARIANTS(PB_BOOL, pbFlagsetHasFlag, (PB_FLAGSET * set, ), (set, ), (), ())
-PB___TEXT_VARIANTS(uint64_t, pbFlagsetParse, (PB_FLAGSET * set, ), (set, ), (), ())
+void pbFlagsetSetFlagCstr(PB_FLAGSET **set, const char *name, PB_INT length, uint64_t value) noexcept
+{
+    pbFlagsetSetFlag(set, pb::Text(name, length), value);
+}
+
+void pbFlagsetSetFlagWcstr(PB_FLAGSET **set, const wchar_t *name, PB_INT length, uint64_t value) noexcept
+{
+    pbFlagsetSetFlag(set, pb::Text(name, length), value);
+}
+
+PB_BOOL pbFlagsetHasFlagCstr(PB_FLAGSET *set, const char *name, PB_INT length) noexcept
+{
+    return pbFlagsetHasFlag(set, pb::Text(name, length));
+}
+
+PB_BOOL pbFlagsetHasFlagWcstr(PB_FLAGSET *set, const wchar_t *name, PB_INT length) noexcept
+{
+    return pbFlagsetHasFlag(set, pb::Text(name, length));
+}
+
+uint64_t pbFlagsetParseCstr(PB_FLAGSET *set, const char *text, PB_INT length) noexcept
+{
+    return pbFlagsetParse(set, pb::Text(text, length));
+}
+
+uint64_t pbFlagsetParseWcstr(PB_FLAGSET *set, const wchar_t *text, PB_INT length) noexcept
+{
+    return pbFlagsetParse(set, pb::Text(text, length));
+}

@@ -53,23 +53,4 @@ PB_API const char *pbSortName(const PB_SORT *sort) PB_NOEXCEPT;
 
 PB_END_DECLS
 
-/** Declares the eight standard functions of a sort, as every sort has them:
- *   Sort     the address of the static sort record
- *   Retain   adds a reference and returns obj; obj must not be null
- *   Release  drops a reference, freeing the object with the last; obj must not be null
- *   Obj      the same pointer as a PB_OBJ (no check, no reference)
- *   From     the same pointer as this type; null passes, another sort aborts
- *   ToString a new string, pbObjToString(obj)
- *   Compare  pbObjCompare(objA, objB); neither may be null
- *   Equals   true when Compare gives 0 */
-#define PB_SORT_STDFUNCS_DECL(api, prefix, Name, TYPE) \
-    api const PB_SORT *prefix##Name##Sort(void) PB_NOEXCEPT; \
-    api TYPE *prefix##Name##Retain(TYPE *obj) PB_NOEXCEPT; \
-    api void prefix##Name##Release(TYPE *obj) PB_NOEXCEPT; \
-    api PB_OBJ *prefix##Name##Obj(TYPE *obj) PB_NOEXCEPT; \
-    api TYPE *prefix##Name##From(PB_OBJ *obj) PB_NOEXCEPT; \
-    api PB_STRING *prefix##Name##ToString(TYPE *obj) PB_NOEXCEPT; \
-    api PB_INT prefix##Name##Compare(TYPE *objA, TYPE *objB) PB_NOEXCEPT; \
-    api PB_BOOL prefix##Name##Equals(TYPE *objA, TYPE *objB) PB_NOEXCEPT;
-
 #endif

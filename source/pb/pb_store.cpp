@@ -161,9 +161,62 @@ PB_STORE *pbStoreStore(PB_STORE *store, PB_STRING *key) noexcept
     return n ? pbStoreRetain(pbStoreFrom(n->value)) : nullptr;
 }
 
-PB___TEXT_VARIANTS(void, pbStoreSetValue, (PB_STORE * *store, ), (store, ), (, PB_STRING *value), (, value))
-PB___TEXT_VARIANTS(void, pbStoreSetValueInt, (PB_STORE * *store, ), (store, ), (, PB_INT value), (, value))
-PB___TEXT_VARIANTS(void, pbStoreSetStore, (PB_STORE * *store, ), (store, ), (, PB_STORE *sub), (, sub))
-PB___TEXT_VARIANTS(PB_STRING *, pbStoreValue, (PB_STORE * store, ), (store, ), (), ())
-PB___TEXT_VARIANTS(PB_BOOL, pbStoreValueInt, (PB_STORE * store, PB_INT *value, ), (store, value, ), (), ())
-PB___TEXT_VARIANTS(PB_STORE *, pbStoreStore, (PB_STORE * store, ), (store, ), (), ())
+void pbStoreSetValueCstr(PB_STORE **store, const char *key, PB_INT length, PB_STRING *value) noexcept
+{
+    pbStoreSetValue(store, pb::Text(key, length), value);
+}
+
+void pbStoreSetValueWcstr(PB_STORE **store, const wchar_t *key, PB_INT length, PB_STRING *value) noexcept
+{
+    pbStoreSetValue(store, pb::Text(key, length), value);
+}
+
+void pbStoreSetValueIntCstr(PB_STORE **store, const char *key, PB_INT length, PB_INT value) noexcept
+{
+    pbStoreSetValueInt(store, pb::Text(key, length), value);
+}
+
+void pbStoreSetValueIntWcstr(PB_STORE **store, const wchar_t *key, PB_INT length, PB_INT value) noexcept
+{
+    pbStoreSetValueInt(store, pb::Text(key, length), value);
+}
+
+void pbStoreSetStoreCstr(PB_STORE **store, const char *key, PB_INT length, PB_STORE *sub) noexcept
+{
+    pbStoreSetStore(store, pb::Text(key, length), sub);
+}
+
+void pbStoreSetStoreWcstr(PB_STORE **store, const wchar_t *key, PB_INT length, PB_STORE *sub) noexcept
+{
+    pbStoreSetStore(store, pb::Text(key, length), sub);
+}
+
+PB_STRING *pbStoreValueCstr(PB_STORE *store, const char *key, PB_INT length) noexcept
+{
+    return pbStoreValue(store, pb::Text(key, length));
+}
+
+PB_STRING *pbStoreValueWcstr(PB_STORE *store, const wchar_t *key, PB_INT length) noexcept
+{
+    return pbStoreValue(store, pb::Text(key, length));
+}
+
+PB_BOOL pbStoreValueIntCstr(PB_STORE *store, PB_INT *value, const char *key, PB_INT length) noexcept
+{
+    return pbStoreValueInt(store, value, pb::Text(key, length));
+}
+
+PB_BOOL pbStoreValueIntWcstr(PB_STORE *store, PB_INT *value, const wchar_t *key, PB_INT length) noexcept
+{
+    return pbStoreValueInt(store, value, pb::Text(key, length));
+}
+
+PB_STORE *pbStoreStoreCstr(PB_STORE *store, const char *key, PB_INT length) noexcept
+{
+    return pbStoreStore(store, pb::Text(key, length));
+}
+
+PB_STORE *pbStoreStoreWcstr(PB_STORE *store, const wchar_t *key, PB_INT length) noexcept
+{
+    return pbStoreStore(store, pb::Text(key, length));
+}

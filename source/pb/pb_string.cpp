@@ -400,7 +400,15 @@ PB_BOOL pbStringEqualsCaseFold(PB_STRING *s, PB_STRING *other) noexcept
                       [](PB_CHAR a, PB_CHAR b) { return asciiLower(a) == asciiLower(b); });
 }
 
-PB___TEXT_VARIANTS(PB_BOOL, pbStringEqualsCaseFold, (PB_STRING * s, ), (s, ), (), ())
+PB_BOOL pbStringEqualsCaseFoldCstr(PB_STRING *s, const char *text, PB_INT length) noexcept
+{
+    return pbStringEqualsCaseFold(s, pb::Text(text, length));
+}
+
+PB_BOOL pbStringEqualsCaseFoldWcstr(PB_STRING *s, const wchar_t *text, PB_INT length) noexcept
+{
+    return pbStringEqualsCaseFold(s, pb::Text(text, length));
+}
 
 char *pbStringConvertToCstr(PB_STRING *s, PB_INT flags, PB_INT *length) noexcept
 {

@@ -20,7 +20,22 @@ PB_BEGIN_DECLS
 
 typedef struct PB_VECTOR PB_VECTOR;
 
-PB_SORT_STDFUNCS_DECL(PB_API, pb, String, PB_STRING)
+/** The sort record of PB_STRING. */
+PB_API const PB_SORT *pbStringSort(void) PB_NOEXCEPT;
+/** Adds a reference to obj and returns it. Aborts when obj is null. */
+PB_API PB_STRING *pbStringRetain(PB_STRING *obj) PB_NOEXCEPT;
+/** Drops a reference to obj, freeing it with the last. Aborts when obj is null. */
+PB_API void pbStringRelease(PB_STRING *obj) PB_NOEXCEPT;
+/** obj as a base object: the same pointer, no reference added. */
+PB_API PB_OBJ *pbStringObj(PB_STRING *obj) PB_NOEXCEPT;
+/** obj as a PB_STRING: the same pointer, no reference added; null passes. Aborts when obj is of another sort. */
+PB_API PB_STRING *pbStringFrom(PB_OBJ *obj) PB_NOEXCEPT;
+/** A new string describing obj (pbObjToString). Aborts when obj is null. */
+PB_API PB_STRING *pbStringToString(PB_STRING *obj) PB_NOEXCEPT;
+/** -1, 0 or 1 as objA orders before, with or after objB, in the sort's order. Aborts when either is null. */
+PB_API PB_INT pbStringCompare(PB_STRING *objA, PB_STRING *objB) PB_NOEXCEPT;
+/** Whether pbStringCompare gives 0. */
+PB_API PB_BOOL pbStringEquals(PB_STRING *objA, PB_STRING *objB) PB_NOEXCEPT;
 
 /** Returns a new empty string. */
 PB_API PB_STRING *pbStringCreate(void) PB_NOEXCEPT;
@@ -55,15 +70,18 @@ PB_API PB_STRING *pbStringCreateFromInner(PB_STRING *s, PB_INT offset, PB_INT co
  * A null %s or %o argument is written as "(null)". Any other directive is a
  * programming error and aborts. Arguments must have exactly these types. */
 PB_API PB_STRING *pbStringCreateFromFormatCstr(const char *format, PB_INT formatLength, ...) PB_NOEXCEPT;
+/** pbStringCreateFromFormatCstr with the arguments as a va_list. */
 PB_API PB_STRING *pbStringCreateFromFormatCstrVa(const char *format, PB_INT formatLength, va_list args) PB_NOEXCEPT;
 
 /** Appends the formatted text to *s (directives as above). */
 PB_API void pbStringAppendFormatCstr(PB_STRING **s, const char *format, PB_INT formatLength, ...) PB_NOEXCEPT;
+/** pbStringAppendFormatCstr with the arguments as a va_list. */
 PB_API void pbStringAppendFormatCstrVa(PB_STRING **s, const char *format, PB_INT formatLength,
                                        va_list args) PB_NOEXCEPT;
 
 /** The code points, valid while the string is held and unchanged. */
 PB_API const PB_CHAR *pbStringBacking(PB_STRING *s) PB_NOEXCEPT;
+/** The number of code points. */
 PB_API PB_INT pbStringLength(PB_STRING *s) PB_NOEXCEPT;
 /** The code point at index (0 <= index < length). */
 PB_API PB_CHAR pbStringCharAt(PB_STRING *s, PB_INT index) PB_NOEXCEPT;
@@ -71,12 +89,16 @@ PB_API PB_CHAR pbStringCharAt(PB_STRING *s, PB_INT index) PB_NOEXCEPT;
 /** Append other, one code point or count code points at the end of *s, or one
  * code point at its start (a private copy when *s is shared). */
 PB_API void pbStringAppend(PB_STRING **s, PB_STRING *other) PB_NOEXCEPT;
+/** Appends one code point to *s (a private copy when *s is shared). */
 PB_API void pbStringAppendChar(PB_STRING **s, PB_CHAR c) PB_NOEXCEPT;
+/** Appends count code points to *s (a private copy when *s is shared). */
 PB_API void pbStringAppendChars(PB_STRING **s, const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
+/** Puts one code point before the start of *s (a private copy when *s is shared). */
 PB_API void pbStringPrependChar(PB_STRING **s, PB_CHAR c) PB_NOEXCEPT;
 
 /** Remove count code points (count <= length) at the start or at the end. */
 PB_API void pbStringDelLeading(PB_STRING **s, PB_INT count) PB_NOEXCEPT;
+/** Removes count code points (count <= length) at the end of *s. */
 PB_API void pbStringDelTrailing(PB_STRING **s, PB_INT count) PB_NOEXCEPT;
 
 /** Maps A-Z to a-z; every other code point stays (locale-independent). */
@@ -90,6 +112,7 @@ PB_API void pbStringTrim(PB_STRING **s) PB_NOEXCEPT;
  * a limit n > 0 there are at most n pieces and the last keeps the rest, separators
  * included. The empty string gives one empty piece. */
 PB_API PB_VECTOR *pbStringSplitChar(PB_STRING *s, PB_CHAR c, PB_INT maxParts) PB_NOEXCEPT;
+/** pbStringSplitChar with the count code points of chars each a separator. */
 PB_API PB_VECTOR *pbStringSplitChars(PB_STRING *s, const PB_CHAR *chars, PB_INT count, PB_INT maxParts) PB_NOEXCEPT;
 
 /** True when s is exactly chars[0..count). */
@@ -99,7 +122,9 @@ PB_API PB_BOOL pbStringEndsWithChars(PB_STRING *s, const PB_CHAR *chars, PB_INT 
 
 /** True when s equals other without regard to the case of A-Z and a-z. */
 PB_API PB_BOOL pbStringEqualsCaseFold(PB_STRING *s, PB_STRING *other) PB_NOEXCEPT;
+/** pbStringEqualsCaseFold for text in UTF-8 (length -1: up to the NUL). */
 PB_API PB_BOOL pbStringEqualsCaseFoldCstr(PB_STRING *s, const char *text, PB_INT length) PB_NOEXCEPT;
+/** pbStringEqualsCaseFold for text in wide characters (length -1: up to the NUL). */
 PB_API PB_BOOL pbStringEqualsCaseFoldWcstr(PB_STRING *s, const wchar_t *text, PB_INT length) PB_NOEXCEPT;
 
 /** Returns newly allocated, NUL-terminated UTF-8 text of s (a value that is no

@@ -1,12 +1,14 @@
-// Internal: the pattern behind the Cstr and Wcstr variants of every operation that
-// takes a PB_STRING. A variant turns its C text into a temporary string, calls the
-// string operation and returns its result unchanged:
+// Internal: C text as a temporary string, for the Cstr and Wcstr variants of the
+// operations that take a PB_STRING. A variant is one call of its string
+// operation with the text wrapped:
 //
-//   PB___TEXT_VARIANTS(PB_BOOL, pbFlagsetHasFlag, (PB_FLAGSET *set,), (set,), (), ())
+//   PB_BOOL pbFlagsetHasFlagCstr(PB_FLAGSET *set, const char *name, PB_INT length) noexcept
+//   {
+//       return pbFlagsetHasFlag(set, pb::Text(name, length));
+//   }
 //
-// defines pbFlagsetHasFlagCstr(set, text, length) and pbFlagsetHasFlagWcstr(...).
-// The second and third lists hold the parameters and arguments before the text
-// (each followed by a comma), the last two those after it (each preceded by one).
+// The string lives until the end of the full expression that made it, so it
+// outlasts the call and is released on every path.
 #pragma once
 
 #include <pb/pb_ref.hpp>
@@ -16,29 +18,24 @@
 
 namespace pb {
 
-template <class F> inline auto withText(const char *text, PB_INT length, F &&f)
-{
-    Ref<PB_STRING> s = adopt(pbStringCreateFromCstr(text, length));
-    return f(s.get());
-}
+class Text {
+public:
+    // UTF-8 text (invalid bytes become U+FFFD); length -1: up to the NUL.
+    Text(const char *text, PB_INT length) noexcept : s_(adopt(pbStringCreateFromCstr(text, length))) {}
+    // Wide text; length -1: up to the NUL.
+    Text(const wchar_t *text, PB_INT length) noexcept : s_(adopt(pbStringCreateFromWcstr(text, length))) {}
 
-template <class F> inline auto withText(const wchar_t *text, PB_INT length, F &&f)
-{
-    Ref<PB_STRING> s = adopt(pbStringCreateFromWcstr(text, length));
-    return f(s.get());
-}
-
-} // namespace pb
-
-#define PB___UNPAREN(...) __VA_ARGS__
-
-#define PB___TEXT_VARIANT(Ret, Op, Suffix, CharT, Before, BeforeArgs, After, AfterArgs) \
-    Ret Op##Suffix(PB___UNPAREN Before const CharT *text, PB_INT length PB___UNPAREN After) noexcept \
-    { \
-        return pb::withText(text, length, \
-                            [&](PB_STRING *s___) { return Op(PB___UNPAREN BeforeArgs s___ PB___UNPAREN AfterArgs); }); \
+    // For an optional argument: null text gives a null string.
+    template <class CharT> static Text optional(const CharT *text, PB_INT length) noexcept
+    {
+        return text ? Text(text, length) : Text();
     }
 
-#define PB___TEXT_VARIANTS(Ret, Op, Before, BeforeArgs, After, AfterArgs) \
-    PB___TEXT_VARIANT(Ret, Op, Cstr, char, Before, BeforeArgs, After, AfterArgs) \
-    PB___TEXT_VARIANT(Ret, Op, Wcstr, wchar_t, Before, BeforeArgs, After, AfterArgs)
+    operator PB_STRING *() const noexcept { return s_.get(); }
+
+private:
+    Text() noexcept = default;
+    Ref<PB_STRING> s_;
+};
+
+} // namespace pb

@@ -23,7 +23,23 @@ PB_BEGIN_DECLS
 
 typedef struct RFC_BASE_OPTIONS RFC_BASE_OPTIONS;
 
-PB_SORT_STDFUNCS_DECL(RFC_API, rfc, BaseOptions, RFC_BASE_OPTIONS)
+/** The sort record of RFC_BASE_OPTIONS. */
+RFC_API const PB_SORT *rfcBaseOptionsSort(void) PB_NOEXCEPT;
+/** Adds a reference to obj and returns it. Aborts when obj is null. */
+RFC_API RFC_BASE_OPTIONS *rfcBaseOptionsRetain(RFC_BASE_OPTIONS *obj) PB_NOEXCEPT;
+/** Drops a reference to obj, freeing it with the last. Aborts when obj is null. */
+RFC_API void rfcBaseOptionsRelease(RFC_BASE_OPTIONS *obj) PB_NOEXCEPT;
+/** obj as a base object: the same pointer, no reference added. */
+RFC_API PB_OBJ *rfcBaseOptionsObj(RFC_BASE_OPTIONS *obj) PB_NOEXCEPT;
+/** obj as a RFC_BASE_OPTIONS: the same pointer, no reference added; null passes. Aborts when obj is of another
+ * sort. */
+RFC_API RFC_BASE_OPTIONS *rfcBaseOptionsFrom(PB_OBJ *obj) PB_NOEXCEPT;
+/** A new string describing obj (pbObjToString). Aborts when obj is null. */
+RFC_API PB_STRING *rfcBaseOptionsToString(RFC_BASE_OPTIONS *obj) PB_NOEXCEPT;
+/** -1, 0 or 1 as objA orders before, with or after objB, in the sort's order. Aborts when either is null. */
+RFC_API PB_INT rfcBaseOptionsCompare(RFC_BASE_OPTIONS *objA, RFC_BASE_OPTIONS *objB) PB_NOEXCEPT;
+/** Whether rfcBaseOptionsCompare gives 0. */
+RFC_API PB_BOOL rfcBaseOptionsEquals(RFC_BASE_OPTIONS *objA, RFC_BASE_OPTIONS *objB) PB_NOEXCEPT;
 
 #define RFC_BASE_OPTIONS_OUTPUT_LINE_LENGTH_DEFAULT ((PB_INT)-1)
 

@@ -23,7 +23,23 @@ PB_BEGIN_DECLS
 
 typedef struct RFC_QUOP_OPTIONS RFC_QUOP_OPTIONS;
 
-PB_SORT_STDFUNCS_DECL(RFC_API, rfc, QuopOptions, RFC_QUOP_OPTIONS)
+/** The sort record of RFC_QUOP_OPTIONS. */
+RFC_API const PB_SORT *rfcQuopOptionsSort(void) PB_NOEXCEPT;
+/** Adds a reference to obj and returns it. Aborts when obj is null. */
+RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsRetain(RFC_QUOP_OPTIONS *obj) PB_NOEXCEPT;
+/** Drops a reference to obj, freeing it with the last. Aborts when obj is null. */
+RFC_API void rfcQuopOptionsRelease(RFC_QUOP_OPTIONS *obj) PB_NOEXCEPT;
+/** obj as a base object: the same pointer, no reference added. */
+RFC_API PB_OBJ *rfcQuopOptionsObj(RFC_QUOP_OPTIONS *obj) PB_NOEXCEPT;
+/** obj as a RFC_QUOP_OPTIONS: the same pointer, no reference added; null passes. Aborts when obj is of another
+ * sort. */
+RFC_API RFC_QUOP_OPTIONS *rfcQuopOptionsFrom(PB_OBJ *obj) PB_NOEXCEPT;
+/** A new string describing obj (pbObjToString). Aborts when obj is null. */
+RFC_API PB_STRING *rfcQuopOptionsToString(RFC_QUOP_OPTIONS *obj) PB_NOEXCEPT;
+/** -1, 0 or 1 as objA orders before, with or after objB, in the sort's order. Aborts when either is null. */
+RFC_API PB_INT rfcQuopOptionsCompare(RFC_QUOP_OPTIONS *objA, RFC_QUOP_OPTIONS *objB) PB_NOEXCEPT;
+/** Whether rfcQuopOptionsCompare gives 0. */
+RFC_API PB_BOOL rfcQuopOptionsEquals(RFC_QUOP_OPTIONS *objA, RFC_QUOP_OPTIONS *objB) PB_NOEXCEPT;
 
 #define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MIN ((PB_INT)4)
 #define RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_MAX ((PB_INT)76)

@@ -54,7 +54,15 @@ void mimeTestNoteSetText(MIME_TEST_NOTE **note, PB_STRING *text)
     pb::setField((*note)->text, text);
 }
 
-PB___TEXT_VARIANTS(void, mimeTestNoteSetText, (MIME_TEST_NOTE * *note, ), (note, ), (), ())
+void mimeTestNoteSetTextCstr(MIME_TEST_NOTE **note, const char *text, PB_INT length)
+{
+    mimeTestNoteSetText(note, pb::Text(text, length));
+}
+
+void mimeTestNoteSetTextWcstr(MIME_TEST_NOTE **note, const wchar_t *text, PB_INT length)
+{
+    mimeTestNoteSetText(note, pb::Text(text, length));
+}
 
 TEST(ObjectConvention, SortRecordNamesTheTypeAndModule)
 {
