@@ -1,5 +1,6 @@
 #include <mime/mime_object.hpp>
 #include <mime/mime_options.h>
+#include <pb/pb_rule.hpp>
 
 struct MIME_OPTIONS {
     PB_OBJ_HEADER header;
@@ -30,10 +31,23 @@ MIME___SORT_DEFINE(Options, MIME_OPTIONS, mime___OptionsFreeFunc, mime___Options
 
 namespace {
 
+// Each setting written once: its key in a store, its default, and for the
+// numbers the rule a value must pass (the setter's abort condition, and what
+// restore checks before it sets a stored value).
+struct NumberSetting {
+    const char *key;
+    PB_INT defaultValue;
+    pb::Rule rule;
+};
+
+constexpr const char *kFlagsKey = "flags";
 constexpr MIME_FLAGS kFlagsDefault = MIME_FLAG_PARSE_RFC2231_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS;
-constexpr PB_INT kWrapLineLengthDefault = 76;
-constexpr PB_CHARSET kRfc2231CharsetDefault = PB_CHARSET_UTF_8;
-constexpr PB_INT kRfc2231MaxSegmentLengthDefault = 60;
+constexpr NumberSetting kWrapLineLength{"wrapLineLength", 76, PB_RULE(wrapLineLength, wrapLineLength >= -1)};
+constexpr NumberSetting kRfc2231Charset{"rfc2231Charset", PB_CHARSET_UTF_8, PB_RULE(charset, PB_CHARSET_OK( charset ))};
+constexpr NumberSetting kRfc2231MaxSegmentLength{
+    "rfc2231MaxSegmentLength", 60, PB_RULE(maxSegmentLength, maxSegmentLength == -1 || maxSegmentLength > 0)};
+constexpr const char *kRfcBaseOptionsKey = "rfcBaseOptions";
+constexpr const char *kRfcQuopOptionsKey = "rfcQuopOptions";
 constexpr PB_INT kBase64LineLength = 76;
 
 void mime___OptionsFreeFunc(PB_OBJ *obj) noexcept
@@ -82,22 +96,12 @@ PB_INT mime___OptionsCompareFunc(PB_OBJ *thisObj, PB_OBJ *thatObj) noexcept
     return orderObjects(a->rfcQuopOptions, b->rfcQuopOptions);
 }
 
-// The last step of every setter and reset: unshare, then write mark and value.
-template <class T>
-void store(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T MIME_OPTIONS::*field, int32_t isDefault, T value)
+// The object behind the caller's reference, unshared: what every setter and
+// reset writes to.
+MIME_OPTIONS *writable(MIME_OPTIONS **mo) noexcept
 {
     PB_OBJ_UNSHARE((*mo), mimeOptionsCreateFrom);
-    (*mo)->*mark = isDefault;
-    (*mo)->*field = value;
-}
-
-// The same for a codec options field: takes a reference to value first.
-template <class T>
-void storeObject(MIME_OPTIONS **mo, int32_t MIME_OPTIONS::*mark, T *MIME_OPTIONS::*field, int32_t isDefault, T *value)
-{
-    PB_OBJ_UNSHARE((*mo), mimeOptionsCreateFrom);
-    (*mo)->*mark = isDefault;
-    pb::setField((*mo)->*field, value);
+    return *mo;
 }
 
 } // namespace
@@ -128,23 +132,120 @@ MIME_OPTIONS *mimeOptionsCreateFrom(MIME_OPTIONS *source) noexcept
     return mo;
 }
 
-// Getter and is-default query of each setting.
-#define MIME___OPTIONS_READERS(Name, Type, field) \
-    Type mimeOptions##Name(MIME_OPTIONS *mo) noexcept \
-    { \
-        PB_ASSERT( mo ); \
-        return mo->field; \
-    } \
-    int mimeOptions##Name##Default(MIME_OPTIONS *mo) noexcept \
-    { \
-        PB_ASSERT( mo ); \
-        return mo->field##Default; \
-    }
+MIME_FLAGS mimeOptionsFlags(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->flags;
+}
 
-MIME___OPTIONS_READERS(Flags, MIME_FLAGS, flags)
-MIME___OPTIONS_READERS(WrapLineLength, PB_INT, wrapLineLength)
-MIME___OPTIONS_READERS(Rfc2231Charset, PB_CHARSET, rfc2231Charset)
-MIME___OPTIONS_READERS(Rfc2231MaxSegmentLength, PB_INT, rfc2231MaxSegmentLength)
+void mimeOptionsSetFlags(MIME_OPTIONS **mo, MIME_FLAGS flags) noexcept
+{
+    PB_ASSERT_REF(mo);
+    MIME_OPTIONS *o = writable(mo);
+    o->flagsDefault = 0;
+    o->flags = mimeFlagsNormalize(flags);
+}
+
+int mimeOptionsFlagsDefault(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->flagsDefault;
+}
+
+void mimeOptionsSetFlagsDefault(MIME_OPTIONS **mo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    MIME_OPTIONS *o = writable(mo);
+    o->flagsDefault = 1;
+    o->flags = kFlagsDefault;
+}
+
+PB_INT mimeOptionsWrapLineLength(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->wrapLineLength;
+}
+
+void mimeOptionsSetWrapLineLength(MIME_OPTIONS **mo, PB_INT wrapLineLength) noexcept
+{
+    PB_ASSERT_REF(mo);
+    PB_ASSERT_RULE(kWrapLineLength.rule, wrapLineLength);
+    MIME_OPTIONS *o = writable(mo);
+    o->wrapLineLengthDefault = 0;
+    o->wrapLineLength = wrapLineLength;
+}
+
+int mimeOptionsWrapLineLengthDefault(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->wrapLineLengthDefault;
+}
+
+void mimeOptionsSetWrapLineLengthDefault(MIME_OPTIONS **mo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    MIME_OPTIONS *o = writable(mo);
+    o->wrapLineLengthDefault = 1;
+    o->wrapLineLength = kWrapLineLength.defaultValue;
+}
+
+PB_CHARSET mimeOptionsRfc2231Charset(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->rfc2231Charset;
+}
+
+void mimeOptionsSetRfc2231Charset(MIME_OPTIONS **mo, PB_CHARSET charset) noexcept
+{
+    PB_ASSERT_REF(mo);
+    PB_ASSERT_RULE(kRfc2231Charset.rule, charset);
+    MIME_OPTIONS *o = writable(mo);
+    o->rfc2231CharsetDefault = 0;
+    o->rfc2231Charset = charset;
+}
+
+int mimeOptionsRfc2231CharsetDefault(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->rfc2231CharsetDefault;
+}
+
+void mimeOptionsSetRfc2231CharsetDefault(MIME_OPTIONS **mo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    MIME_OPTIONS *o = writable(mo);
+    o->rfc2231CharsetDefault = 1;
+    o->rfc2231Charset = kRfc2231Charset.defaultValue;
+}
+
+PB_INT mimeOptionsRfc2231MaxSegmentLength(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->rfc2231MaxSegmentLength;
+}
+
+void mimeOptionsSetRfc2231MaxSegmentLength(MIME_OPTIONS **mo, PB_INT maxSegmentLength) noexcept
+{
+    PB_ASSERT_REF(mo);
+    PB_ASSERT_RULE(kRfc2231MaxSegmentLength.rule, maxSegmentLength);
+    MIME_OPTIONS *o = writable(mo);
+    o->rfc2231MaxSegmentLengthDefault = 0;
+    o->rfc2231MaxSegmentLength = maxSegmentLength;
+}
+
+int mimeOptionsRfc2231MaxSegmentLengthDefault(MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( mo );
+    return mo->rfc2231MaxSegmentLengthDefault;
+}
+
+void mimeOptionsSetRfc2231MaxSegmentLengthDefault(MIME_OPTIONS **mo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    MIME_OPTIONS *o = writable(mo);
+    o->rfc2231MaxSegmentLengthDefault = 1;
+    o->rfc2231MaxSegmentLength = kRfc2231MaxSegmentLength.defaultValue;
+}
 
 RFC_BASE_OPTIONS *mimeOptionsRfcBaseOptions(MIME_OPTIONS *mo) noexcept
 {
@@ -153,10 +254,30 @@ RFC_BASE_OPTIONS *mimeOptionsRfcBaseOptions(MIME_OPTIONS *mo) noexcept
     return mo->rfcBaseOptions;
 }
 
+void mimeOptionsSetRfcBaseOptions(MIME_OPTIONS **mo, RFC_BASE_OPTIONS *bo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    PB_ASSERT( bo );
+    MIME_OPTIONS *o = writable(mo);
+    o->rfcBaseOptionsDefault = 0;
+    pb::setField(o->rfcBaseOptions, bo);
+}
+
 int mimeOptionsRfcBaseOptionsDefault(MIME_OPTIONS *mo) noexcept
 {
     PB_ASSERT( mo );
     return mo->rfcBaseOptionsDefault;
+}
+
+void mimeOptionsSetRfcBaseOptionsDefault(MIME_OPTIONS **mo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    MIME_OPTIONS *o = writable(mo);
+    o->rfcBaseOptionsDefault = 1;
+    pb::releaseField(o->rfcBaseOptions);
+    o->rfcBaseOptions = rfcBaseOptionsCreate();
+    // The codec library's own setter, on the object the field now holds alone.
+    rfcBaseOptionsSetOutputLineLength(&o->rfcBaseOptions, kBase64LineLength);
 }
 
 RFC_QUOP_OPTIONS *mimeOptionsRfcQuopOptions(MIME_OPTIONS *mo) noexcept
@@ -166,94 +287,28 @@ RFC_QUOP_OPTIONS *mimeOptionsRfcQuopOptions(MIME_OPTIONS *mo) noexcept
     return mo->rfcQuopOptions;
 }
 
+void mimeOptionsSetRfcQuopOptions(MIME_OPTIONS **mo, RFC_QUOP_OPTIONS *qo) noexcept
+{
+    PB_ASSERT_REF(mo);
+    PB_ASSERT( qo );
+    MIME_OPTIONS *o = writable(mo);
+    o->rfcQuopOptionsDefault = 0;
+    pb::setField(o->rfcQuopOptions, qo);
+}
+
 int mimeOptionsRfcQuopOptionsDefault(MIME_OPTIONS *mo) noexcept
 {
     PB_ASSERT( mo );
     return mo->rfcQuopOptionsDefault;
 }
 
-void mimeOptionsSetFlags(MIME_OPTIONS **mo, MIME_FLAGS flags) noexcept
-{
-    PB_ASSERT_REF(mo);
-    store(mo, &MIME_OPTIONS::flagsDefault, &MIME_OPTIONS::flags, 0, mimeFlagsNormalize(flags));
-}
-
-void mimeOptionsSetFlagsDefault(MIME_OPTIONS **mo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    store(mo, &MIME_OPTIONS::flagsDefault, &MIME_OPTIONS::flags, 1, kFlagsDefault);
-}
-
-void mimeOptionsSetWrapLineLength(MIME_OPTIONS **mo, PB_INT wrapLineLength) noexcept
-{
-    PB_ASSERT_REF(mo);
-    PB_ASSERT( wrapLineLength >= -1 );
-    store(mo, &MIME_OPTIONS::wrapLineLengthDefault, &MIME_OPTIONS::wrapLineLength, 0, wrapLineLength);
-}
-
-void mimeOptionsSetWrapLineLengthDefault(MIME_OPTIONS **mo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    store(mo, &MIME_OPTIONS::wrapLineLengthDefault, &MIME_OPTIONS::wrapLineLength, 1, kWrapLineLengthDefault);
-}
-
-void mimeOptionsSetRfc2231Charset(MIME_OPTIONS **mo, PB_CHARSET charset) noexcept
-{
-    PB_ASSERT_REF(mo);
-    PB_ASSERT( PB_CHARSET_OK( charset ) );
-    store(mo, &MIME_OPTIONS::rfc2231CharsetDefault, &MIME_OPTIONS::rfc2231Charset, 0, charset);
-}
-
-void mimeOptionsSetRfc2231CharsetDefault(MIME_OPTIONS **mo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    store(mo, &MIME_OPTIONS::rfc2231CharsetDefault, &MIME_OPTIONS::rfc2231Charset, 1, kRfc2231CharsetDefault);
-}
-
-void mimeOptionsSetRfc2231MaxSegmentLength(MIME_OPTIONS **mo, PB_INT maxSegmentLength) noexcept
-{
-    PB_ASSERT_REF(mo);
-    PB_ASSERT( maxSegmentLength == -1 || maxSegmentLength > 0 );
-    store(mo, &MIME_OPTIONS::rfc2231MaxSegmentLengthDefault, &MIME_OPTIONS::rfc2231MaxSegmentLength, 0,
-          maxSegmentLength);
-}
-
-void mimeOptionsSetRfc2231MaxSegmentLengthDefault(MIME_OPTIONS **mo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    store(mo, &MIME_OPTIONS::rfc2231MaxSegmentLengthDefault, &MIME_OPTIONS::rfc2231MaxSegmentLength, 1,
-          kRfc2231MaxSegmentLengthDefault);
-}
-
-void mimeOptionsSetRfcBaseOptions(MIME_OPTIONS **mo, RFC_BASE_OPTIONS *bo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    PB_ASSERT( bo );
-    storeObject(mo, &MIME_OPTIONS::rfcBaseOptionsDefault, &MIME_OPTIONS::rfcBaseOptions, 0, bo);
-}
-
-void mimeOptionsSetRfcBaseOptionsDefault(MIME_OPTIONS **mo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    pb::Ref<RFC_BASE_OPTIONS> fresh = pb::adopt(rfcBaseOptionsCreate());
-    storeObject(mo, &MIME_OPTIONS::rfcBaseOptionsDefault, &MIME_OPTIONS::rfcBaseOptions, 1, fresh.get());
-    fresh.reset();
-    // The codec library's own setter, on the object the field now holds alone.
-    rfcBaseOptionsSetOutputLineLength(&(*mo)->rfcBaseOptions, kBase64LineLength);
-}
-
-void mimeOptionsSetRfcQuopOptions(MIME_OPTIONS **mo, RFC_QUOP_OPTIONS *qo) noexcept
-{
-    PB_ASSERT_REF(mo);
-    PB_ASSERT( qo );
-    storeObject(mo, &MIME_OPTIONS::rfcQuopOptionsDefault, &MIME_OPTIONS::rfcQuopOptions, 0, qo);
-}
-
 void mimeOptionsSetRfcQuopOptionsDefault(MIME_OPTIONS **mo) noexcept
 {
     PB_ASSERT_REF(mo);
-    pb::Ref<RFC_QUOP_OPTIONS> fresh = pb::adopt(rfcQuopOptionsCreate());
-    storeObject(mo, &MIME_OPTIONS::rfcQuopOptionsDefault, &MIME_OPTIONS::rfcQuopOptions, 1, fresh.get());
+    MIME_OPTIONS *o = writable(mo);
+    o->rfcQuopOptionsDefault = 1;
+    pb::releaseField(o->rfcQuopOptions);
+    o->rfcQuopOptions = rfcQuopOptionsCreate();
 }
 
 PB_STORE *mimeOptionsStore(MIME_OPTIONS *mo, int full) noexcept
@@ -269,17 +324,17 @@ PB_STORE *mimeOptionsStore(MIME_OPTIONS *mo, int full) noexcept
         pbStoreSetStoreCstr(store.addr(), key, -1, held.get());
     };
     if (!mo->flagsDefault || full)
-        setValue("flags", mimeFlagsToString(mo->flags));
+        setValue(kFlagsKey, mimeFlagsToString(mo->flags));
     if (!mo->wrapLineLengthDefault || full)
-        pbStoreSetValueIntCstr(store.addr(), "wrapLineLength", -1, mo->wrapLineLength);
+        pbStoreSetValueIntCstr(store.addr(), kWrapLineLength.key, -1, mo->wrapLineLength);
     if (!mo->rfc2231CharsetDefault || full)
-        setValue("rfc2231Charset", pbCharsetToString(mo->rfc2231Charset));
+        setValue(kRfc2231Charset.key, pbCharsetToString(mo->rfc2231Charset));
     if (!mo->rfc2231MaxSegmentLengthDefault || full)
-        pbStoreSetValueIntCstr(store.addr(), "rfc2231MaxSegmentLength", -1, mo->rfc2231MaxSegmentLength);
+        pbStoreSetValueIntCstr(store.addr(), kRfc2231MaxSegmentLength.key, -1, mo->rfc2231MaxSegmentLength);
     if (!mo->rfcBaseOptionsDefault || full)
-        setStore("rfcBaseOptions", rfcBaseOptionsStore(mo->rfcBaseOptions, full));
+        setStore(kRfcBaseOptionsKey, rfcBaseOptionsStore(mo->rfcBaseOptions, full));
     if (!mo->rfcQuopOptionsDefault || full)
-        setStore("rfcQuopOptions", rfcQuopOptionsStore(mo->rfcQuopOptions, full));
+        setStore(kRfcQuopOptionsKey, rfcQuopOptionsStore(mo->rfcQuopOptions, full));
     return store.release();
 }
 
@@ -287,23 +342,23 @@ MIME_OPTIONS *mimeOptionsRestore(PB_STORE *store) noexcept
 {
     PB_ASSERT( store );
     pb::Ref<MIME_OPTIONS> mo = pb::adopt(mimeOptionsCreate());
-    if (pb::Ref<PB_STRING> flags = pb::adopt(pbStoreValueCstr(store, "flags", -1)))
+    if (pb::Ref<PB_STRING> flags = pb::adopt(pbStoreValueCstr(store, kFlagsKey, -1)))
         mimeOptionsSetFlags(mo.addr(), mimeFlagsFromString(flags.get()));
     PB_INT number = 0;
-    if (pbStoreValueIntCstr(store, &number, "wrapLineLength", -1) && number >= -1)
+    if (pbStoreValueIntCstr(store, &number, kWrapLineLength.key, -1) && kWrapLineLength.rule(number))
         mimeOptionsSetWrapLineLength(mo.addr(), number);
-    if (pb::Ref<PB_STRING> charset = pb::adopt(pbStoreValueCstr(store, "rfc2231Charset", -1))) {
+    if (pb::Ref<PB_STRING> charset = pb::adopt(pbStoreValueCstr(store, kRfc2231Charset.key, -1))) {
         PB_CHARSET code = pbCharsetFromString(charset.get());
-        if (PB_CHARSET_OK(code))
+        if (kRfc2231Charset.rule(code))
             mimeOptionsSetRfc2231Charset(mo.addr(), code);
     }
-    if (pbStoreValueIntCstr(store, &number, "rfc2231MaxSegmentLength", -1) && (number == -1 || number > 0))
+    if (pbStoreValueIntCstr(store, &number, kRfc2231MaxSegmentLength.key, -1) && kRfc2231MaxSegmentLength.rule(number))
         mimeOptionsSetRfc2231MaxSegmentLength(mo.addr(), number);
-    if (pb::Ref<PB_STORE> sub = pb::adopt(pbStoreStoreCstr(store, "rfcBaseOptions", -1))) {
+    if (pb::Ref<PB_STORE> sub = pb::adopt(pbStoreStoreCstr(store, kRfcBaseOptionsKey, -1))) {
         pb::Ref<RFC_BASE_OPTIONS> options = pb::adopt(rfcBaseOptionsRestore(sub.get()));
         mimeOptionsSetRfcBaseOptions(mo.addr(), options.get());
     }
-    if (pb::Ref<PB_STORE> sub = pb::adopt(pbStoreStoreCstr(store, "rfcQuopOptions", -1))) {
+    if (pb::Ref<PB_STORE> sub = pb::adopt(pbStoreStoreCstr(store, kRfcQuopOptionsKey, -1))) {
         pb::Ref<RFC_QUOP_OPTIONS> options = pb::adopt(rfcQuopOptionsRestore(sub.get()));
         mimeOptionsSetRfcQuopOptions(mo.addr(), options.get());
     }
