@@ -6,10 +6,6 @@
 #include <rfc/rfc_base.h>
 #include <rfc/rfc_quop.h>
 
-#if defined(__x86_64__) && defined(__GNUC__)
-#include <immintrin.h>
-#endif
-
 using pb::adopt;
 using pb::Ref;
 
@@ -26,76 +22,24 @@ PB_INT base64Length(PB_INT n, PB_INT lineLength)
     return chars + 2 * ((chars - 1) / lineLength);
 }
 
-// Quoted-printable writes "=", DEL, bytes of 128 and more and control bytes
-// but tab, CR and LF as three-character escapes, and every other byte as at
-// least one character.
-bool alwaysEscaped(PB_BYTE b)
-{
-    return b == '=' || b >= 127 || (b < 32 && b != '\t' && b != '\r' && b != '\n');
-}
-
-// The escaped bytes among n (at most kBlock).
+// Escapes are counted a block at a time, so that counting can stop early.
 constexpr PB_INT kBlock = 4096;
 
-PB_INT escapedScalar(const PB_BYTE *b, PB_INT n)
+// True when the quoted-printable text of body cannot be shorter than limit:
+// its length plus 2 per byte the encoder always escapes reaches it. Counting
+// stops as soon as it does, which for binary data is after about a third of
+// the bytes, and gives up when the escapes seen so far are too few to get there
+// at their rate (text): the encoding then decides.
+bool quotedPrintableAtLeast(PB_BUFFER *body, PB_INT limit)
 {
-    PB_INT count = 0;
-    for (PB_INT i = 0; i < n; ++i)
-        count += alwaysEscaped(b[i]);
-    return count;
-}
-
-#if defined(__x86_64__) && defined(__GNUC__)
-// 32 bytes at a time: a byte's class is looked up by its low and its high
-// nibble, and it is escaped when the two lookups share a bit. Classes by high
-// nibble: 1 controls 0x00-0x0F (but tab, LF and CR), 2 controls 0x10-0x1F,
-// 4 "=" (0x3D), 8 DEL (0x7F), 16 every byte from 0x80.
-__attribute__((target("avx2"))) PB_INT escapedAvx2(const PB_BYTE *b, PB_INT n)
-{
-    const __m256i byLow = _mm256_setr_epi8(19, 19, 19, 19, 19, 19, 19, 19, 19, 18, 18, 19, 19, 22, 19, 27, 19, 19, 19,
-                                           19, 19, 19, 19, 19, 19, 18, 18, 19, 19, 22, 19, 27);
-    const __m256i byHigh = _mm256_setr_epi8(1, 2, 0, 4, 0, 0, 0, 8, 16, 16, 16, 16, 16, 16, 16, 16, 1, 2, 0, 4, 0, 0, 0,
-                                            8, 16, 16, 16, 16, 16, 16, 16, 16);
-    const __m256i nibble = _mm256_set1_epi8(0x0F), zero = _mm256_setzero_si256();
-    __m256i plain = zero; // per lane: bytes not escaped, at most kBlock / 32
-    PB_INT i = 0;
-    for (; i + 32 <= n; i += 32) {
-        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(b + i));
-        __m256i low = _mm256_shuffle_epi8(byLow, _mm256_and_si256(v, nibble));
-        __m256i high = _mm256_shuffle_epi8(byHigh, _mm256_and_si256(_mm256_srli_epi16(v, 4), nibble));
-        plain = _mm256_sub_epi8(plain, _mm256_cmpeq_epi8(_mm256_and_si256(low, high), zero));
-    }
-    __m256i sums = _mm256_sad_epu8(plain, zero);
-    PB_INT notEscaped = _mm256_extract_epi64(sums, 0) + _mm256_extract_epi64(sums, 1) + _mm256_extract_epi64(sums, 2) +
-                        _mm256_extract_epi64(sums, 3);
-    return i - notEscaped + escapedScalar(b + i, n - i);
-}
-#endif
-
-PB_INT(*const escaped)
-(const PB_BYTE *, PB_INT) = [] {
-#if defined(__x86_64__) && defined(__GNUC__)
-    __builtin_cpu_init();
-    if (__builtin_cpu_supports("avx2"))
-        return escapedAvx2;
-#endif
-    return escapedScalar;
-}();
-
-// True when the quoted-printable text of the n bytes cannot be shorter than
-// limit: n + 2 per escaped byte reaches it. Counting stops as soon as it does,
-// which for binary data is after about a third of the bytes, and gives up when
-// the escapes seen so far are too few to get there at their rate (text): the
-// encoding then decides.
-bool quotedPrintableAtLeast(const PB_BYTE *b, PB_INT n, PB_INT limit)
-{
+    PB_INT n = pbBufferLength(body);
     PB_INT need = limit - n; // two characters for each escaped byte beyond one
     if (need <= 0)
         return true;
     PB_INT extra = 0;
     for (PB_INT i = 0; i < n;) {
         PB_INT block = n - i < kBlock ? n - i : kBlock;
-        extra += 2 * escaped(b + i, block);
+        extra += 2 * rfcQuopEscapeCount(body, i, block);
         i += block;
         if (extra >= need)
             return true;
@@ -134,7 +78,7 @@ Coded transferCoded(PB_BUFFER *body, MIME_OPTIONS *opt)
     // can encode the body at all: whole bytes).
     PB_INT n = pbBufferLength(body);
     PB_INT limit = base64Length(n, rfcBaseOptionsOutputLineLength(baseOptions.get()));
-    if (pbBufferBitLength(body) % 8 != 0 || quotedPrintableAtLeast(pbBufferBacking(body), n, limit))
+    if (pbBufferBitLength(body) % 8 != 0 || quotedPrintableAtLeast(body, limit))
         return base64(body, baseOptions.get());
     Ref<RFC_QUOP_OPTIONS> quopOptions = adopt(mimeOptionsRfcQuopOptions(opt));
     Ref<PB_BUFFER> quop = adopt(rfcQuopEncodeWithOptions(body, quopOptions.get()));

@@ -234,6 +234,19 @@ size_t countSpecial(const uint8_t *in, size_t n)
     return count + ScalarOps::countSpecial(in + i, n - i);
 }
 
+size_t countEscaped(const uint8_t *in, size_t n)
+{
+    size_t count = 0, i = 0;
+    for (; n - i >= 32; i += 32) {
+        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + i));
+        __m256i lineEnd =
+            _mm256_or_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8('\r')), _mm256_cmpeq_epi8(v, _mm256_set1_epi8('\n')));
+        uint32_t escaped = quopSpecialMask(v) & ~static_cast<uint32_t>(_mm256_movemask_epi8(lineEnd));
+        count += static_cast<size_t>(__builtin_popcount(escaped));
+    }
+    return count + ScalarOps::countEscaped(in + i, n - i);
+}
+
 size_t copyPlain(const uint8_t *in, size_t n, uint8_t *out)
 {
     size_t i = 0;
@@ -264,6 +277,7 @@ struct Avx2Ops {
         return Avx2::copyLiteral(in, n, max, out);
     }
     static size_t countSpecial(const uint8_t *in, size_t n) { return Avx2::countSpecial(in, n); }
+    static size_t countEscaped(const uint8_t *in, size_t n) { return Avx2::countEscaped(in, n); }
     static size_t copyPlain(const uint8_t *in, size_t n, uint8_t *out) { return Avx2::copyPlain(in, n, out); }
 };
 

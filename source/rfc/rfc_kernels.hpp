@@ -22,6 +22,7 @@ struct Kernels {
     void (*base64Encode)(const uint8_t *in, size_t n, int64_t lineLength, uint8_t *out);
     ptrdiff_t (*base64Decode)(const uint8_t *in, size_t n, uint8_t *out);
     size_t (*quopEncodeBound)(const uint8_t *in, size_t n, int64_t maxLineLength);
+    size_t (*quopEscapeCount)(const uint8_t *in, size_t n);
     size_t (*quopEncode)(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out);
     ptrdiff_t (*quopDecode)(const uint8_t *in, size_t n, uint8_t *out);
 };

@@ -14,6 +14,7 @@ constinit const Kernels avx2KernelTable{"avx2",
                                         base64::encodeWith<Avx2Ops>,
                                         base64::decodeWith<Avx2Ops>,
                                         quop::encodeBoundWith<Avx2Ops>,
+                                        quop::escapeCountWith<Avx2Ops>,
                                         quop::encodeWith<Avx2Ops>,
                                         quop::decodeWith<Avx2Ops>};
 

@@ -159,6 +159,7 @@ constinit const Kernels avx512KernelTable{"avx512",
                                           base64::encodeWith<Avx512Ops>,
                                           base64::decodeWith<Avx512Ops>,
                                           quop::encodeBoundWith<Avx512Ops>,
+                                          quop::escapeCountWith<Avx512Ops>,
                                           quop::encodeWith<Avx512Ops>,
                                           quop::decodeWith<Avx512Ops>};
 

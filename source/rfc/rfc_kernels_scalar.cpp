@@ -11,6 +11,7 @@ constexpr Kernels scalar{"scalar",
                          base64::encodeWith<ScalarOps>,
                          base64::decodeWith<ScalarOps>,
                          quop::encodeBoundWith<ScalarOps>,
+                         quop::escapeCountWith<ScalarOps>,
                          quop::encodeWith<ScalarOps>,
                          quop::decodeWith<ScalarOps>};
 

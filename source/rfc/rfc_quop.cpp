@@ -17,6 +17,14 @@ PB_BUFFER *rfcQuopEncodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options
     });
 }
 
+PB_INT rfcQuopEscapeCount(PB_BUFFER *buffer, PB_INT offset, PB_INT length) noexcept
+{
+    PB_ASSERT( buffer );
+    PB_ASSERT( offset >= 0 && length >= 0 && length <= pbBufferLength( buffer ) - offset );
+    const uint8_t *in = pbBufferBacking(buffer) + offset;
+    return static_cast<PB_INT>(rfc::quop::escapeCount(in, static_cast<size_t>(length), rfc::bestKernels()));
+}
+
 PB_BUFFER *rfcQuopTryDecodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) noexcept
 {
     PB_ASSERT( buffer );

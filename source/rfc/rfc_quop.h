@@ -33,6 +33,13 @@ PB_BEGIN_DECLS
 /** Returns a new buffer with the quoted-printable text, or null when the buffer
  * ends in an incomplete byte. */
 RFC_API PB_BUFFER *rfcQuopEncodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
+/** The number of bytes among the length bytes of buffer from offset on that the
+ * encoder writes as "=XX" wherever they stand: "=", control bytes other than
+ * tab, CR and LF, and bytes of 127 or more (a CR or LF outside a CR LF pair, or a
+ * space or tab before a line end, is escaped too but not counted). The encoded
+ * text is therefore at least the buffer's length plus twice the count over the
+ * whole buffer. Aborts when buffer is null or the range does not lie inside it. */
+RFC_API PB_INT rfcQuopEscapeCount(PB_BUFFER *buffer, PB_INT offset, PB_INT length) PB_NOEXCEPT;
 /** Returns a new buffer with the decoded bytes, or null when the text is invalid. */
 RFC_API PB_BUFFER *rfcQuopTryDecodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
 

@@ -12,6 +12,11 @@ inline size_t encodeBound(const uint8_t *in, size_t n, int64_t maxLineLength, co
 {
     return kernels.quopEncodeBound(in, n, maxLineLength);
 }
+// The bytes among n that encode always writes as "=XX" (see rfcQuopEscapeCount).
+inline size_t escapeCount(const uint8_t *in, size_t n, const Kernels &kernels) noexcept
+{
+    return kernels.quopEscapeCount(in, n);
+}
 // Writes the text and returns its length.
 inline size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, const Kernels &kernels) noexcept
 {

@@ -72,6 +72,11 @@ template <class Ops> size_t encodeBoundWith(const uint8_t *in, size_t n, int64_t
     return content + 3 * softBreaks + kWriteSlack;
 }
 
+template <class Ops> size_t escapeCountWith(const uint8_t *in, size_t n)
+{
+    return Ops::countEscaped(in, n);
+}
+
 template <class Ops> size_t encodeWith(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out)
 {
     Writer w{out, 0, 0, static_cast<size_t>(maxLineLength)};

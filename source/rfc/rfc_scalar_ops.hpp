@@ -80,6 +80,14 @@ struct ScalarOps {
         return count;
     }
 
+    static size_t countEscaped(const uint8_t *in, size_t n)
+    {
+        size_t count = 0;
+        for (size_t i = 0; i < n; ++i)
+            count += !tables::quopLiteral.at[in[i]] && in[i] != '\r' && in[i] != '\n';
+        return count;
+    }
+
     static size_t copyPlain(const uint8_t *in, size_t n, uint8_t *out)
     {
         size_t i = 0;

@@ -151,7 +151,9 @@ TEST(Quop, DecoderRulesAtEveryOffset)
 }
 
 // For generated text and bytes at line lengths from the shortest to the longest:
-// the text keeps the line rules, decodes to the input, and both kernels write it.
+// the text keeps the line rules, decodes to the input, and both kernels write it;
+// every kernel counts the bytes that are always escaped alike, and the text is
+// at least two characters longer for each.
 TEST(Quop, RoundTripAndLineRulesAtEveryLineLength)
 {
     std::mt19937_64 rng(5);
@@ -162,7 +164,12 @@ TEST(Quop, RoundTripAndLineRulesAtEveryLineLength)
             std::string raw = round % 4 == 0 ? randomBytes(rng, n) : randomText(rng, n);
             std::string text = quopEncode(raw, limit, *kernels[0]);
             ASSERT_EQ(lineRuleViolation(text, static_cast<size_t>(limit)), "") << limit;
+            size_t escaped = 0;
+            for (unsigned char b : raw)
+                escaped += b == '=' || b >= 127 || (b < 32 && b != '\t' && b != '\r' && b != '\n');
+            ASSERT_GE(text.size(), raw.size() + 2 * escaped);
             for (const rfc::Kernels *k : kernels) {
+                ASSERT_EQ(k->quopEscapeCount(reinterpret_cast<const uint8_t *>(raw.data()), n), escaped) << k->name;
                 ASSERT_EQ(quopEncode(raw, limit, *k), text) << k->name;
                 ASSERT_EQ(quopDecode(text, *k), raw) << k->name << " limit " << limit;
             }
