@@ -48,7 +48,8 @@ inline void release(MIME_CONTENT_DISPOSITION *d)
 }
 
 // Holds one reference. address() is for the operations that change a value
-// (they take T ** and copy the object first when it is shared).
+// (they take T ** and copy the object first when it is shared). A stand-in
+// until the library's C++ interface (mime/mime.hpp) provides the holder.
 template <class T> class Ref {
 public:
     explicit Ref(T *adopted = nullptr) : p_(adopted) {}
@@ -113,7 +114,8 @@ int main()
         Ref<MIME_CONTENT_TYPE> mixedType(mimeContentTypeCreateCstr("multipart/mixed", -1));
         Ref<PB_BUFFER> body(mimeMultipartTryPack(mixedType.address(), parts.get(), options.get()));
         if (body) {
-            Ref<PB_STRING> header(mimeContentTypeEncode(mixedType.get(), options.get(), 14));
+            Ref<PB_STRING> header(
+                mimeContentTypeEncode(mixedType.get(), options.get(), MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
             char *headerText = pbStringConvertToCstr(header.get(), 0, nullptr);
             std::printf("Content-Type: %s\r\n\r\n", headerText);
             pbMemFree(headerText);

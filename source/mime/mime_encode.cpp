@@ -103,11 +103,13 @@ MIME_ENTITY *mimeEncode(MIME_OPTIONS *opt, PB_BUFFER *body, MIME_CONTENT_TYPE *c
         setter(ent.addr(), held.get());
     };
     if (body)
-        set(mimeEntitySetContentTransferEncoding, mimeContentTransferEncodingEncode(coded.encoding, opt, 27));
+        set(mimeEntitySetContentTransferEncoding,
+            mimeContentTransferEncodingEncode(coded.encoding, opt, MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING));
     if (contentType)
-        set(mimeEntitySetContentType, mimeContentTypeEncode(contentType, opt, 14));
+        set(mimeEntitySetContentType, mimeContentTypeEncode(contentType, opt, MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
     if (contentDisposition)
-        set(mimeEntitySetContentDisposition, mimeContentDispositionEncode(contentDisposition, opt, 21));
+        set(mimeEntitySetContentDisposition,
+            mimeContentDispositionEncode(contentDisposition, opt, MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION));
     if (optionalContentId)
         set(mimeEntitySetContentId, mimeContentIdEncode(optionalContentId));
     if (body)

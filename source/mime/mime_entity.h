@@ -47,6 +47,21 @@ MIME_API PB_INT mimeEntityCompare(MIME_ENTITY *objA, MIME_ENTITY *objB) PB_NOEXC
 /** Whether mimeEntityCompare gives 0. */
 MIME_API PB_BOOL mimeEntityEquals(MIME_ENTITY *objA, MIME_ENTITY *objB) PB_NOEXCEPT;
 
+/** The number of header fields an entity holds. */
+#define MIME_ENTITY_FIELD_COUNT 4
+
+/** The name of header field index as it is written (static text): 0
+ * "Content-Type", 1 "Content-Disposition", 2 "Content-Transfer-Encoding", 3
+ * "Content-Id", the order in which a packed part writes them. Aborts unless
+ * 0 <= index < MIME_ENTITY_FIELD_COUNT. */
+MIME_API const char *mimeEntityFieldName(PB_INT index) PB_NOEXCEPT;
+
+/** Where each field's value starts on its line: the length of the name, the
+ * colon and one space, as the encoders take it for firstLineOffset. */
+#define MIME_FIRST_LINE_OFFSET_CONTENT_TYPE 14              /* "Content-Type: " */
+#define MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION 21       /* "Content-Disposition: " */
+#define MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING 27 /* "Content-Transfer-Encoding: " */
+
 /** A new entity with every field absent. */
 MIME_API MIME_ENTITY *mimeEntityCreate(void) PB_NOEXCEPT;
 /** A new entity holding the same five objects as source. */

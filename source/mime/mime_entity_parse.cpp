@@ -40,26 +40,27 @@ bool isUtf8(const PB_BYTE *b, PB_INT n)
     return true;
 }
 
-// The field a header name sets, compared as the runtime lowers text (ASCII
-// letters only); -1 for any other name. The four names differ in length.
-enum Field { kContentType, kContentDisposition, kContentTransferEncoding, kContentId, kFieldCount };
+// The field a header name sets (as mimeEntityFieldName numbers them), compared
+// as the runtime lowers text (ASCII letters only); -1 for any other name.
+constexpr int kFieldCount = MIME_ENTITY_FIELD_COUNT;
+
+PB_BYTE lowered(PB_BYTE c)
+{
+    return c >= 'A' && c <= 'Z' ? static_cast<PB_BYTE>(c + 32) : c;
+}
 
 int fieldOf(const PB_BYTE *name, PB_INT n)
 {
-    static constexpr std::string_view names[kFieldCount] = {"content-type", "content-disposition",
-                                                            "content-transfer-encoding", "content-id"};
-    int f = -1;
-    for (int g = 0; g < kFieldCount; ++g)
-        if (static_cast<size_t>(n) == names[g].size())
-            f = g;
-    if (f < 0)
-        return -1;
-    for (PB_INT i = 0; i < n; ++i) {
-        PB_BYTE c = name[i] >= 'A' && name[i] <= 'Z' ? static_cast<PB_BYTE>(name[i] + 32) : name[i];
-        if (c != static_cast<PB_BYTE>(names[f][i]))
-            return -1;
+    for (int f = 0; f < kFieldCount; ++f) {
+        std::string_view field = mimeEntityFieldName(f);
+        PB_INT i = 0;
+        if (static_cast<size_t>(n) == field.size())
+            while (i < n && lowered(name[i]) == lowered(static_cast<PB_BYTE>(field[i])))
+                ++i;
+        if (static_cast<size_t>(i) == field.size())
+            return f;
     }
-    return f;
+    return -1;
 }
 
 // The fields of a header block of well-formed UTF-8, read line by line into the

@@ -119,12 +119,12 @@ public:
     PB_INT size() const
     {
         PB_INT size = 2 + (body_ ? pbBufferLength(body_.get()) : 0);
-        for (int f = 0; f < 4; ++f) {
+        for (int f = 0; f < MIME_ENTITY_FIELD_COUNT; ++f) {
             if (!values_[f])
                 continue;
             const PB_CHAR *c = pbStringBacking(values_[f].get());
             PB_INT n = pbStringLength(values_[f].get());
-            size += static_cast<PB_INT>(kNames[f].size()) + 2 + n;
+            size += static_cast<PB_INT>(std::strlen(mimeEntityFieldName(f))) + 4 + n; // ": " and CR LF
             for (PB_INT i = 0; i < n; ++i) {
                 if (c[i] < 0x80)
                     continue;
@@ -138,10 +138,12 @@ public:
 
     PB_BYTE *write(PB_BYTE *out) const
     {
-        for (int f = 0; f < 4; ++f) {
+        for (int f = 0; f < MIME_ENTITY_FIELD_COUNT; ++f) {
             if (!values_[f])
                 continue;
-            out = put(out, kNames[f].data(), kNames[f].size());
+            const char *name = mimeEntityFieldName(f);
+            out = put(out, name, std::strlen(name));
+            out = put(out, ": ", 2);
             const PB_CHAR *c = pbStringBacking(values_[f].get());
             for (PB_INT i = 0, n = pbStringLength(values_[f].get()); i < n; ++i) {
                 if (c[i] < 0x80)
@@ -164,9 +166,7 @@ public:
     }
 
 private:
-    static constexpr std::string_view kNames[4] = {
-        "Content-Type: ", "Content-Disposition: ", "Content-Transfer-Encoding: ", "Content-Id: "};
-    Ref<PB_STRING> values_[4];
+    Ref<PB_STRING> values_[MIME_ENTITY_FIELD_COUNT];
     Ref<PB_BUFFER> body_;
 };
 

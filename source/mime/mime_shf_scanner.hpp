@@ -39,7 +39,10 @@ public:
 private:
     // Scans the delimited piece opening at from; its end (one past the closing
     // character), or -1 when the piece is invalid. Sets escaped when the piece
-    // holds a backslash.
+    // holds a backslash. This is the lexer's rule for wire text, and
+    // deliberately not the token classifier's (isDelimited in
+    // mime_shf_token.cpp): the piece ends at its first closing character, and a
+    // CR inside it must start a fold.
     PB_INT delimitedEnd(PB_INT from, PB_CHAR close, bool comment, bool &escaped) const noexcept;
 
     const PB_CHAR *chars_;

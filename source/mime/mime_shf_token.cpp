@@ -67,6 +67,12 @@ template <class Escape> PB_STRING *delimited(const PB_CHAR *c, PB_INT n, PB_CHAR
 // the next inner character and is not last; an unescaped open (when nesting) or
 // close changes the depth, which must not go below 0 and ends at 0; an unescaped
 // open that does not nest, or close, spoils the form.
+//
+// This is the classifier's rule for a whole raw value, and deliberately not the
+// lexer's (ShfScanner::delimitedEnd): a caller's value must be exactly one
+// delimited form, and any character inside it is accepted, a CR that starts no
+// fold included. The lexer instead finds where a piece ends in running wire
+// text, and refuses a CR that does not start a fold.
 bool isDelimited(const PB_CHAR *c, PB_INT n, PB_CHAR open, PB_CHAR close, bool nests, bool openSpoils)
 {
     if (n < 2 || c[0] != open || c[n - 1] != close)

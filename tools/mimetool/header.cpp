@@ -40,7 +40,7 @@ std::string contentType(PB_STRING *value, MIME_OPTIONS *options)
     if (!type)
         refused("Content-Type", value);
     Ref<PB_STRING> name(mimeContentTypeName(type.get()));
-    Ref<PB_STRING> wire(mimeContentTypeEncode(type.get(), options, 14));
+    Ref<PB_STRING> wire(mimeContentTypeEncode(type.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
     return "type: " + shown(name.get()) + "\n" + parameterLines(mimeContentTypeParametersDict(type.get())) +
            wireLines("Content-Type", wire.get());
 }
@@ -51,7 +51,8 @@ std::string contentDisposition(PB_STRING *value, MIME_OPTIONS *options)
     if (!disposition)
         refused("Content-Disposition", value);
     Ref<PB_STRING> type(mimeContentDispositionType(disposition.get()));
-    Ref<PB_STRING> wire(mimeContentDispositionEncode(disposition.get(), options, 21));
+    Ref<PB_STRING> wire(
+        mimeContentDispositionEncode(disposition.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION));
     return "type: " + shown(type.get()) + "\n" +
            parameterLines(mimeContentDispositionParametersDict(disposition.get())) +
            wireLines("Content-Disposition", wire.get());
@@ -72,7 +73,8 @@ std::string contentTransferEncoding(PB_STRING *value, MIME_OPTIONS *options)
     if (encoding < 0)
         refused("Content-Transfer-Encoding", value);
     Ref<PB_STRING> name(mimeContentTransferEncodingToString(encoding));
-    Ref<PB_STRING> wire(mimeContentTransferEncodingEncode(encoding, options, 27));
+    Ref<PB_STRING> wire(
+        mimeContentTransferEncodingEncode(encoding, options, MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING));
     return "encoding: " + utf8(name.get()) + "\n" + wireLines("Content-Transfer-Encoding", wire.get());
 }
 

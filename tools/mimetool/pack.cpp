@@ -132,7 +132,7 @@ int runPack(Args &args)
     Ref<PB_BUFFER> body(mimeMultipartTryPack(type.address(), parts.get(), options.get()));
     if (!body)
         throw InputError{"no boundary could be found that the parts do not hold"};
-    Ref<PB_STRING> header(mimeContentTypeEncode(type.get(), options.get(), 14));
+    Ref<PB_STRING> header(mimeContentTypeEncode(type.get(), options.get(), MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
     writeOut("MIME-Version: 1.0\r\nContent-Type: " + utf8(header.get()) + "\r\n\r\n");
     writeOut(body.get());
     return 0;

@@ -1,6 +1,9 @@
 // An owning holder for one reference to a library object, so that every path
 // out of a function releases what it took. The tool uses the public C interface
-// only; this is what a C++ caller of the library writes for itself.
+// only; this is what a C++ caller of the library writes for itself. The
+// library's C++ interface (mime/mime.hpp, still to come) will provide one
+// holder for every C++ user; this one and the copy in examples/pack_parts.cpp
+// go then.
 #pragma once
 
 #include <mime/mime.h>

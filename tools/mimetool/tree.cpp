@@ -17,21 +17,22 @@ constexpr int kMaxDepth = 64;
 constexpr PB_INT kFirstLineScan = 4096;
 constexpr PB_INT kFirstLineLength = 80;
 
-constexpr std::array<std::string_view, 4> kContentFields = {"content-type", "content-disposition",
-                                                            "content-transfer-encoding", "content-id"};
-
 std::string_view bytesOf(PB_BUFFER *buf)
 {
     return {reinterpret_cast<const char *>(pbBufferBacking(buf)), static_cast<size_t>(pbBufferLength(buf))};
 }
 
-bool equalsFolded(std::string_view a, std::string_view lower)
+char lowered(char c)
 {
-    if (a.size() != lower.size())
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+}
+
+bool equalsFolded(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size())
         return false;
     for (size_t i = 0; i < a.size(); i++) {
-        const char c = a[i] >= 'A' && a[i] <= 'Z' ? static_cast<char>(a[i] + ('a' - 'A')) : a[i];
-        if (c != lower[i])
+        if (lowered(a[i]) != lowered(b[i]))
             return false;
     }
     return true;
@@ -40,7 +41,8 @@ bool equalsFolded(std::string_view a, std::string_view lower)
 bool isUtf8(std::string_view line)
 {
     Ref<PB_BUFFER> bytes(pbBufferCreateFromBytesCopy(line.data(), static_cast<PB_INT>(line.size())));
-    Ref<PB_STRING> text(pbCharsetTryConvertBufferToStringWithFlags(44, bytes.get(), PB_CHARSET_FLAG_STRICT));
+    Ref<PB_STRING> text(
+        pbCharsetTryConvertBufferToStringWithFlags(PB_CHARSET_UTF_8, bytes.get(), PB_CHARSET_FLAG_STRICT));
     return static_cast<bool>(text);
 }
 
@@ -54,7 +56,7 @@ std::string headerBlockFault(std::string_view part)
     std::string_view block = part.substr(0, emptyLine);
     if (emptyLine == std::string_view::npos && block.ends_with("\r\n"))
         block.remove_suffix(2); // it ends the last line
-    std::array<bool, kContentFields.size()> seen{};
+    std::array<bool, MIME_ENTITY_FIELD_COUNT> seen{};
     int number = 0;
     while (!block.empty()) {
         const size_t end = block.find("\r\n");
@@ -78,8 +80,8 @@ std::string headerBlockFault(std::string_view part)
             if (static_cast<unsigned char>(c) <= 0x20 || c == 0x7F)
                 return where + " has a space or a control character in its field name";
         }
-        for (size_t i = 0; i < kContentFields.size(); i++) {
-            if (equalsFolded(name, kContentFields[i]) && std::exchange(seen[i], true))
+        for (size_t i = 0; i < seen.size(); i++) {
+            if (equalsFolded(name, mimeEntityFieldName(static_cast<PB_INT>(i))) && std::exchange(seen[i], true))
                 return where + " repeats the field " + std::string(name);
         }
     }
@@ -229,7 +231,7 @@ Ref<PB_STRING> firstLine(const Part &part)
         return {};
     const std::string_view bytes = bytesOf(part.body.get()).substr(0, kFirstLineScan);
     const size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());
-    PB_CHARSET charset = 44;
+    PB_CHARSET charset = PB_CHARSET_UTF_8;
     if (part.type) {
         Ref<PB_STRING> name(mimeContentTypeParameterCstr(part.type.get(), "charset", -1));
         if (name && pbCharsetFromIanaName(name.get()) >= 0)
