@@ -93,6 +93,10 @@ TEST(Options, MarksDecideComparison)
 TEST(Options, ComparisonOrder)
 {
     Ref<MIME_OPTIONS> a = fresh(), b = fresh();
+    mimeOptionsSetFlags(a.addr(), MIME_FLAG_PARSE_RFC2231_HEADERS);
+    mimeOptionsSetFlags(b.addr(), MIME_FLAG_GENERATE_RFC2231_HEADERS);
+    EXPECT_EQ(mimeOptionsCompare(a.get(), b.get()), -1);
+    mimeOptionsSetFlags(b.addr(), MIME_FLAG_PARSE_RFC2231_HEADERS);
     mimeOptionsSetWrapLineLength(a.addr(), 10);
     mimeOptionsSetWrapLineLength(b.addr(), 20);
     mimeOptionsSetRfc2231MaxSegmentLength(a.addr(), 90);

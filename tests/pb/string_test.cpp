@@ -24,9 +24,10 @@ TEST(String, WcstrReadsCodePointsAndReplacesNonScalars)
                             static_cast<wchar_t>(0x20AC),
                             static_cast<wchar_t>(0x1F600),
                             static_cast<wchar_t>(0xD800),
+                            static_cast<wchar_t>(0xDFFF),
                             static_cast<wchar_t>(0x110000),
                             0};
-    EXPECT_EQ(codePoints(adopt(pbStringCreateFromWcstr(text, -1)).get()), U"a\u20ac\U0001F600\uFFFD\uFFFD");
+    EXPECT_EQ(codePoints(adopt(pbStringCreateFromWcstr(text, -1)).get()), U"a\u20ac\U0001F600\uFFFD\uFFFD\uFFFD");
     EXPECT_EQ(pbStringLength(adopt(pbStringCreateFromWcstr(text, 2)).get()), 2);
 }
 
