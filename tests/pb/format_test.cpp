@@ -1,5 +1,4 @@
 // The format language of pbStringCreateFromFormatCstr.
-#include "abort.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
@@ -59,38 +58,6 @@ TEST(Format, TextDirectives)
     EXPECT_EQ(format("[%6s][%-6s]", name.get(), name.get()), "[ title][title ]");
     EXPECT_EQ(format("%s|%o", static_cast<PB_STRING *>(nullptr), static_cast<PB_OBJ *>(nullptr)), "(null)|(null)");
     EXPECT_EQ(format("caf\xc3\xa9 100%%"), "caf\xc3\xa9 100%");
-}
-
-TEST(Format, TildeTakesOverTheReference)
-{
-    PB_STRING *a = pbStringCreateFromCstr("a", -1);
-    PB_IDENTIFIER *id = pbIdentifierCreate();
-    std::string idText = text(pbIdentifierObj(id));
-    PB_INT live = pb___ObjLiveCount();
-    // "%~s%s" with one object twice: taken over once, released after the text is complete.
-    EXPECT_EQ(format("%~s%s", a, a), "aa");
-    EXPECT_EQ(format("%~o@%~o", pbIdentifierObj(id), pbIdentifierObj(pbIdentifierRetain(id))), idText + "@" + idText);
-    EXPECT_EQ(pb___ObjLiveCount(), live - 2) << "both objects were released by the format";
-}
-
-TEST(Format, AppendKeepsWhatIsThere)
-{
-    Ref<PB_STRING> s = str("x=");
-    Ref<PB_STRING> shared = pb::retained(s.get());
-    pbStringAppendFormatCstr(s.addr(), "%i;%s", -1, PB_INT{5}, shared.get());
-    EXPECT_EQ(utf8(s.get()), "x=5;x=");
-    EXPECT_EQ(utf8(shared.get()), "x=");
-}
-
-using FormatDeathTest = testing::Test;
-
-TEST(FormatDeathTest, UnknownDirectivesAbort)
-{
-    for (const char *f : {"%d", "%", "%~i", "%!99i", "%ls"}) {
-        SCOPED_TRACE(f);
-        EXPECT_DEATH(pbStringCreateFromFormatCstr(f, -1, PB_INT{1}),
-                     testing::HasSubstr("invalid format directive: source/pb/pb_format.cpp:"));
-    }
 }
 
 } // namespace

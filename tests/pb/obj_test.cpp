@@ -96,18 +96,6 @@ TEST(Obj, StaticRecordsAreNeverCountedOrFreed)
     EXPECT_STREQ(pbSortName(pbObjSort(asObj)), "PB_SORT");
 }
 
-TEST(Obj, OrderAcrossSortsIsByNameThenTotal)
-{
-    Ref<PB_STRING> s = str("z");
-    Ref<PB_BUFFER> b = bytes("a");
-    Ref<PB_DICT> d = adopt(pbDictCreate());
-    // PB_BUFFER < PB_DICT < PB_STRING by sort name, whatever the contents.
-    EXPECT_LT(pbObjCompare(pbBufferObj(b.get()), pbDictObj(d.get())), 0);
-    EXPECT_LT(pbObjCompare(pbDictObj(d.get()), pbStringObj(s.get())), 0);
-    EXPECT_GT(pbObjCompare(pbStringObj(s.get()), pbBufferObj(b.get())), 0);
-    EXPECT_TRUE(pbStringEquals(s.get(), str("z").get()));
-}
-
 using ObjDeathTest = testing::Test;
 
 TEST(ObjDeathTest, StandardFunctionsAbortWithTheirFamilyText)

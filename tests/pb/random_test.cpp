@@ -1,5 +1,4 @@
 // Random numbers and identifiers, checked by their properties.
-#include "abort.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
@@ -63,18 +62,6 @@ TEST(Identifier, TextIsAVersion4UuidAndUnique)
         seen.insert(t);
     }
     EXPECT_EQ(seen.size(), 1000u);
-}
-
-TEST(Misc, HexDigitValueOverTheWholeAsciiSpace)
-{
-    std::string digits = "0123456789abcdefABCDEF";
-    for (PB_CHAR c = 0; c < 0x200; ++c) {
-        size_t at = digits.find(static_cast<char>(c));
-        PB_INT expected = c < 0x80 && at != std::string::npos ? static_cast<PB_INT>(at < 16 ? at : at - 6) : -1;
-        EXPECT_EQ(pbUnicodeHexadecimalDigitValue(c), expected) << c;
-    }
-    EXPECT_EQ(pbUnicodeHexadecimalDigitValue(0xFF10), -1) << "full-width digits are not hexadecimal digits here";
-    EXPECT_FALSE(PB_INT_ADD_OK(PB_INT_MAX, 1));
 }
 
 } // namespace

@@ -1,5 +1,4 @@
 // Strings: reading C text, slicing, changing, splitting and comparing.
-#include "abort.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
@@ -39,18 +38,6 @@ TEST(String, ConvertToCstrWritesUtf8AndLength)
     EXPECT_EQ(std::string(text), "a\xc3\xa9\xf0\x9f\x98\x80");
     EXPECT_EQ(n, 7);
     pbMemFree(text);
-}
-
-TEST(String, AppendingItselfDoublesIt)
-{
-    Ref<PB_STRING> s = str("ab");
-    for (int i = 0; i < 5; ++i)
-        pbStringAppend(s.addr(), s.get());
-    EXPECT_EQ(pbStringLength(s.get()), 64);
-    // And from inside its own backing, across growth.
-    Ref<PB_STRING> t = str("xyz");
-    pbStringAppendChars(t.addr(), pbStringBacking(t.get()) + 1, 2);
-    EXPECT_EQ(utf8(t.get()), "xyzyz");
 }
 
 TEST(String, TrimRemovesSpaceTabCrLfOnly)
@@ -102,16 +89,6 @@ TEST(String, SplitTable)
         for (PB_INT i = 0; i < pbVectorLength(parts.get()); ++i)
             joined += (i ? "|" : "") + text(adopt(pbVectorObjAt(parts.get(), i)).get());
         EXPECT_EQ(joined, row.parts);
-    }
-}
-
-TEST(String, ComparisonIsByCodePoints)
-{
-    const char *ordered[] = {"", "A", "AB", "B", "a", "\xc3\xa9", "\xf0\x9f\x98\x80"};
-    for (size_t i = 0; i + 1 < std::size(ordered); ++i) {
-        SCOPED_TRACE(ordered[i]);
-        EXPECT_LT(pbStringCompare(str(ordered[i]).get(), str(ordered[i + 1]).get()), 0);
-        EXPECT_GT(pbStringCompare(str(ordered[i + 1]).get(), str(ordered[i]).get()), 0);
     }
 }
 
@@ -170,17 +147,6 @@ TEST(String, RandomEditsMatchStdString)
         ASSERT_EQ(codePoints(s.get()), model);
         ASSERT_EQ(codePoints(snapshot.get()), before);
     }
-}
-
-using StringDeathTest = testing::Test;
-
-TEST(StringDeathTest, RangesAreChecked)
-{
-    Ref<PB_STRING> s = str("abc");
-    EXPECT_DEATH(pbStringCreateFromInner(s.get(), 2, 2),
-                 assertion("source/pb/pb_string.cpp", "offset <= s->length && count <= s->length - offset"));
-    EXPECT_DEATH(pbStringSplitChar(s.get(), ',', 0),
-                 assertion("source/pb/pb_string.cpp", "maxParts == -1 || maxParts > 0"));
 }
 
 } // namespace

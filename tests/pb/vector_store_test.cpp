@@ -1,5 +1,4 @@
 // Vectors and stores.
-#include "abort.hpp"
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
