@@ -97,7 +97,7 @@ void contentTypeEncode(benchmark::State &state)
         all.push_back(adopt(mimeContentTypeTryDecode(adopt(pbStringCreateFromCstr(v, -1)).get(), mo.get())));
     for (auto _ : state)
         for (const auto &t : all)
-            pbStringRelease(mimeContentTypeEncode(t.get(), mo.get(), 14));
+            pbStringRelease(mimeContentTypeEncode(t.get(), mo.get(), MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
     state.SetItemsProcessed(state.iterations() * static_cast<int64_t>(all.size()));
     all.clear();
     pbModuleShutdown(mimeModule());
@@ -114,7 +114,7 @@ void foldLongValue(benchmark::State &state)
     Ref<PB_VECTOR> vec = adopt(mimeShfTokenVectorTryDecode(text.get()));
     Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
     for (auto _ : state) {
-        PB_STRING *out = mimeShfTokenVectorEncode(vec.get(), mo.get(), 21);
+        PB_STRING *out = mimeShfTokenVectorEncode(vec.get(), mo.get(), MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION);
         benchmark::DoNotOptimize(out);
         pbStringRelease(out);
     }
