@@ -1,4 +1,5 @@
 #include <mime/mime_entity.h>
+#include <mime/mime_entity_fields.hpp>
 #include <mime/mime_object.hpp>
 
 #include <string_view>
@@ -47,20 +48,14 @@ MIME_ENTITY *createWith(PB_STRING *contentType, PB_STRING *contentDisposition, P
 
 } // namespace
 
-namespace {
-
-constexpr std::string_view kFieldNames[MIME_ENTITY_FIELD_COUNT] = {"Content-Type", "Content-Disposition",
-                                                                   "Content-Transfer-Encoding", "Content-Id"};
-static_assert(kFieldNames[0].size() + 2 == MIME_FIRST_LINE_OFFSET_CONTENT_TYPE);
-static_assert(kFieldNames[1].size() + 2 == MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION);
-static_assert(kFieldNames[2].size() + 2 == MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING);
-
-} // namespace
+static_assert(mime::kEntityFieldNames[0].size() + 2 == MIME_FIRST_LINE_OFFSET_CONTENT_TYPE);
+static_assert(mime::kEntityFieldNames[1].size() + 2 == MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION);
+static_assert(mime::kEntityFieldNames[2].size() + 2 == MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING);
 
 const char *mimeEntityFieldName(PB_INT index) noexcept
 {
     PB_ASSERT( index >= 0 && index < MIME_ENTITY_FIELD_COUNT );
-    return kFieldNames[index].data();
+    return mime::kEntityFieldNames[index].data();
 }
 
 MIME_ENTITY *mimeEntityCreate(void) noexcept

@@ -1,5 +1,6 @@
 #include <mime/mime_byte_search.hpp>
 #include <mime/mime_char.hpp>
+#include <mime/mime_entity_fields.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_small_vector.hpp>
 #include <pb/pb_ref.hpp>
@@ -52,7 +53,7 @@ PB_BYTE lowered(PB_BYTE c)
 int fieldOf(const PB_BYTE *name, PB_INT n)
 {
     for (int f = 0; f < kFieldCount; ++f) {
-        std::string_view field = mimeEntityFieldName(f);
+        std::string_view field = mime::kEntityFieldNames[f];
         PB_INT i = 0;
         if (static_cast<size_t>(n) == field.size())
             while (i < n && lowered(name[i]) == lowered(static_cast<PB_BYTE>(field[i])))

@@ -1,5 +1,6 @@
 #include <mime/mime_byte_search.hpp>
 #include <mime/mime_char.hpp>
+#include <mime/mime_entity_fields.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_multipart.h>
 #include <pb/pb_random.h>
@@ -124,7 +125,7 @@ public:
                 continue;
             const PB_CHAR *c = pbStringBacking(values_[f].get());
             PB_INT n = pbStringLength(values_[f].get());
-            size += static_cast<PB_INT>(std::strlen(mimeEntityFieldName(f))) + 4 + n; // ": " and CR LF
+            size += static_cast<PB_INT>(mime::kEntityFieldNames[f].size()) + 4 + n; // ": " and CR LF
             for (PB_INT i = 0; i < n; ++i) {
                 if (c[i] < 0x80)
                     continue;
@@ -141,8 +142,7 @@ public:
         for (int f = 0; f < MIME_ENTITY_FIELD_COUNT; ++f) {
             if (!values_[f])
                 continue;
-            const char *name = mimeEntityFieldName(f);
-            out = put(out, name, std::strlen(name));
+            out = put(out, mime::kEntityFieldNames[f].data(), mime::kEntityFieldNames[f].size());
             out = put(out, ": ", 2);
             const PB_CHAR *c = pbStringBacking(values_[f].get());
             for (PB_INT i = 0, n = pbStringLength(values_[f].get()); i < n; ++i) {
