@@ -11,6 +11,7 @@
 #include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_content_type.h>
 #include <mime/mime_decode.h>
+#include <mime/mime_defect.h>
 #include <mime/mime_encode.h>
 #include <mime/mime_encode_flags.h>
 #include <mime/mime_entity.h>

@@ -1,5 +1,6 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_content_disposition.h>
+#include <mime/mime_defect.hpp>
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
 #include <mime/mime_shf_token_vector.h>
@@ -294,12 +295,27 @@ MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME
 {
     PB_ASSERT( value );
     PB_ASSERT( mo );
+    return mimeContentDispositionTryDecodeWithDefect(value, mo, nullptr);
+}
+
+MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWithDefect(PB_STRING *value, MIME_OPTIONS *mo,
+                                                                    MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( value );
+    PB_ASSERT( mo );
+    mime::clearDefect(defect);
     mime::parameters::Pieces pieces;
-    if (!pieces.scan(value) || pieces.length() == 0 || !pieces.isWord(0))
+    if (!pieces.scan(value)) {
+        mime::report(defect, MIME_DEFECT_CONTENT_DISPOSITION_INVALID, pieces.failedAt());
         return nullptr;
-    Ref<PB_STRING> type = adopt(pieces.word(0, true));
-    if (!mimeContentDispositionTypeOk(type.get()))
+    }
+    Ref<PB_STRING> type;
+    if (pieces.length() > 0 && pieces.isWord(0))
+        type = adopt(pieces.word(0, true));
+    if (!type || !mimeContentDispositionTypeOk(type.get())) {
+        mime::report(defect, MIME_DEFECT_CONTENT_DISPOSITION_INVALID, pieces.offsetOf(0));
         return nullptr;
+    }
     Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 1, mo));
     return createNormalized(type.get(), parameters.get());
 }

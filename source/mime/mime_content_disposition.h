@@ -21,6 +21,7 @@
 #define MIME_CONTENT_DISPOSITION_H
 
 #include <mime/mime_api.h>
+#include <mime/mime_defect.h>
 #include <mime/mime_options.h>
 #include <pb/pb_dict.h>
 #include <pb/pb_sort.h>
@@ -167,6 +168,11 @@ MIME_API PB_STRING *mimeContentDispositionParameterValueAt(MIME_CONTENT_DISPOSIT
  * read as by mimeContentTypeTryDecode, with the same RFC 2231 flag. Aborts when
  * value or mo is null. */
 MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecode(PB_STRING *value, MIME_OPTIONS *mo) PB_NOEXCEPT;
+/** mimeContentDispositionTryDecode that also says why it fails, as
+ * mimeContentTypeTryDecodeWithDefect does (code
+ * MIME_DEFECT_CONTENT_DISPOSITION_INVALID). */
+MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWithDefect(PB_STRING *value, MIME_OPTIONS *mo,
+                                                                             MIME_DEFECT **defect) PB_NOEXCEPT;
 /** mimeContentDispositionTryDecode for value in UTF-8 (length -1: up to the NUL). */
 MIME_API MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeCstr(const char *value, PB_INT length,
                                                                        MIME_OPTIONS *mo) PB_NOEXCEPT;

@@ -1,5 +1,6 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_content_id.h>
+#include <mime/mime_defect.hpp>
 #include <pb/pb_abort.h>
 #include <pb/pb_identifier.h>
 #include <pb/pb_text.hpp>
@@ -32,18 +33,28 @@ PB_STRING *mimeContentIdEncode(PB_STRING *cid) noexcept
 PB_STRING *mimeContentIdTryDecode(PB_STRING *raw) noexcept
 {
     PB_ASSERT( raw );
+    return mimeContentIdTryDecodeWithDefect(raw, nullptr);
+}
+
+PB_STRING *mimeContentIdTryDecodeWithDefect(PB_STRING *raw, MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( raw );
+    mime::clearDefect(defect);
     const PB_CHAR *c = pbStringBacking(raw);
     PB_INT begin = 0, end = pbStringLength(raw);
     while (begin < end && is(c[begin], kLwsp))
         ++begin;
     while (end > begin && is(c[end - 1], kLwsp))
         --end;
-    if (end - begin < 3 || c[begin] != '<' || c[end - 1] != '>')
+    if (end - begin < 3 || c[begin] != '<' || c[end - 1] != '>') {
+        mime::report(defect, MIME_DEFECT_CONTENT_ID_INVALID, begin);
         return nullptr;
+    }
     PB_STRING *cid = pbStringCreateFromInner(raw, begin + 1, end - begin - 2);
     if (mimeContentIdOk(cid))
         return cid;
     pbStringRelease(cid);
+    mime::report(defect, MIME_DEFECT_CONTENT_ID_INVALID, begin + 1);
     return nullptr;
 }
 

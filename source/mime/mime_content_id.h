@@ -6,6 +6,7 @@
 #define MIME_CONTENT_ID_H
 
 #include <mime/mime_api.h>
+#include <mime/mime_defect.h>
 #include <pb/pb_string.h>
 
 PB_BEGIN_DECLS
@@ -28,6 +29,10 @@ MIME_API PB_STRING *mimeContentIdEncodeWcstr(const wchar_t *text, PB_INT length)
  * are skipped), or null when the brackets are missing or the value is not valid.
  * Nothing is unfolded: a line break inside gives null. */
 MIME_API PB_STRING *mimeContentIdTryDecode(PB_STRING *raw) PB_NOEXCEPT;
+/** mimeContentIdTryDecode that also says why it fails, as
+ * mimeContentTypeTryDecodeWithDefect does (code MIME_DEFECT_CONTENT_ID_INVALID;
+ * the offset of the "<" expected, or of the value inside the brackets). */
+MIME_API PB_STRING *mimeContentIdTryDecodeWithDefect(PB_STRING *raw, MIME_DEFECT **defect) PB_NOEXCEPT;
 /** mimeContentIdTryDecode for text in UTF-8 (length -1: up to the NUL). */
 MIME_API PB_STRING *mimeContentIdTryDecodeCstr(const char *text, PB_INT length) PB_NOEXCEPT;
 /** mimeContentIdTryDecode for text in wide characters (length -1: up to the NUL). */

@@ -1,4 +1,5 @@
 #include <mime/mime_content_transfer_encoding.h>
+#include <mime/mime_defect.hpp>
 #include <mime/mime_shf_token_vector.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_text.hpp>
@@ -99,6 +100,14 @@ MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecode(PB_STRING *c
 {
     PB_ASSERT( cte );
     PB_ASSERT( mo );
+    return mimeContentTransferEncodingTryDecodeWithDefect(cte, mo, nullptr);
+}
+
+namespace {
+
+// The encoding named by the value, or -1.
+MIME_CONTENT_TRANSFER_ENCODING named(PB_STRING *cte)
+{
     Ref<PB_VECTOR> tokens = adopt(mimeShfTokenVectorTryDecode(cte));
     if (!tokens)
         return -1;
@@ -114,6 +123,20 @@ MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecode(PB_STRING *c
         if (pbStringEqualsCaseFoldCstr(name.get(), kNames[i], -1))
             return i;
     return -1;
+}
+
+} // namespace
+
+MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeWithDefect(PB_STRING *cte, MIME_OPTIONS *mo,
+                                                                              MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( cte );
+    PB_ASSERT( mo );
+    mime::clearDefect(defect);
+    MIME_CONTENT_TRANSFER_ENCODING result = named(cte);
+    if (result < 0)
+        mime::report(defect, MIME_DEFECT_TRANSFER_ENCODING_INVALID, 0);
+    return result;
 }
 
 PB_STRING *mimeContentTransferEncodingEncode(MIME_CONTENT_TRANSFER_ENCODING cte, MIME_OPTIONS *mo,

@@ -5,6 +5,7 @@
 #define MIME_CONTENT_TRANSFER_ENCODING_H
 
 #include <mime/mime_api.h>
+#include <mime/mime_defect.h>
 #include <mime/mime_options.h>
 #include <pb/pb_buffer.h>
 #include <pb/pb_string.h>
@@ -28,6 +29,11 @@ MIME_API PB_STRING *mimeContentTransferEncodingToString(MIME_CONTENT_TRANSFER_EN
  * comments, one of the five names in any letter case. -1 otherwise. */
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecode(PB_STRING *cte,
                                                                              MIME_OPTIONS *mo) PB_NOEXCEPT;
+/** mimeContentTransferEncodingTryDecode that also says why it fails, as
+ * mimeContentTypeTryDecodeWithDefect does (code
+ * MIME_DEFECT_TRANSFER_ENCODING_INVALID, offset 0: the value as a whole). */
+MIME_API MIME_CONTENT_TRANSFER_ENCODING
+mimeContentTransferEncodingTryDecodeWithDefect(PB_STRING *cte, MIME_OPTIONS *mo, MIME_DEFECT **defect) PB_NOEXCEPT;
 /** mimeContentTransferEncodingTryDecode for text in UTF-8 (length -1: up to the NUL). */
 MIME_API MIME_CONTENT_TRANSFER_ENCODING mimeContentTransferEncodingTryDecodeCstr(const char *text, PB_INT length,
                                                                                  MIME_OPTIONS *mo) PB_NOEXCEPT;

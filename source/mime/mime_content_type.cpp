@@ -1,5 +1,6 @@
 #include <mime/mime_char.hpp>
 #include <mime/mime_content_type.h>
+#include <mime/mime_defect.hpp>
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
 #include <mime/mime_shf_token_vector.h>
@@ -302,17 +303,38 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS
 {
     PB_ASSERT( contentType );
     PB_ASSERT( mo );
+    return mimeContentTypeTryDecodeWithDefect(contentType, mo, nullptr);
+}
+
+MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWithDefect(PB_STRING *contentType, MIME_OPTIONS *mo,
+                                                      MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( contentType );
+    PB_ASSERT( mo );
+    mime::clearDefect(defect);
     mime::parameters::Pieces pieces;
-    if (!pieces.scan(contentType) || pieces.length() < 3 || !pieces.isWord(0) || !pieces.isTspecial(1, '/') ||
-        !pieces.isWord(2))
+    if (!pieces.scan(contentType)) {
+        mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, pieces.failedAt());
         return nullptr;
-    mime::parameters::Pieces::Chars chars;
-    pieces.appendWord(0, true, chars);
-    chars.push_back('/');
-    pieces.appendWord(2, true, chars);
-    Ref<PB_STRING> name = adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
-    if (!mimeContentTypeNameOk(name.get()))
+    }
+    // type "/" subtype: the first piece that is not where it belongs.
+    PB_INT bad = !pieces.isWord(0)                                   ? 0
+                 : pieces.length() < 2 || !pieces.isTspecial(1, '/') ? 1
+                 : pieces.length() < 3 || !pieces.isWord(2)          ? 2
+                                                                     : -1;
+    Ref<PB_STRING> name;
+    if (bad < 0) {
+        mime::parameters::Pieces::Chars chars;
+        pieces.appendWord(0, true, chars);
+        chars.push_back('/');
+        pieces.appendWord(2, true, chars);
+        name = adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
+        bad = mimeContentTypeNameOk(name.get()) ? -1 : 0;
+    }
+    if (bad >= 0) {
+        mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, pieces.offsetOf(bad));
         return nullptr;
+    }
     Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 3, mo));
     return createNormalized(name.get(), parameters.get());
 }

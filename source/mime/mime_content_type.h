@@ -21,6 +21,7 @@
 #define MIME_CONTENT_TYPE_H
 
 #include <mime/mime_api.h>
+#include <mime/mime_defect.h>
 #include <mime/mime_options.h>
 #include <pb/pb_dict.h>
 #include <pb/pb_sort.h>
@@ -157,6 +158,12 @@ MIME_API PB_STRING *mimeContentTypeParameterValueAt(MIME_CONTENT_TYPE *type, PB_
  * ends the list without failing. With MIME_FLAG_PARSE_RFC2231_HEADERS the
  * parameters are then decoded by RFC 2231. Aborts when contentType or mo is null. */
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecode(PB_STRING *contentType, MIME_OPTIONS *mo) PB_NOEXCEPT;
+/** mimeContentTypeTryDecode that also says why it fails: *defect (when defect
+ * is not null) is released and set to null on entry, and on failure set to a
+ * new defect of code MIME_DEFECT_CONTENT_TYPE_INVALID whose offset is the
+ * character of the value where reading stopped. */
+MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWithDefect(PB_STRING *contentType, MIME_OPTIONS *mo,
+                                                               MIME_DEFECT **defect) PB_NOEXCEPT;
 /** mimeContentTypeTryDecode for contentType in UTF-8 (length -1: up to the NUL). */
 MIME_API MIME_CONTENT_TYPE *mimeContentTypeTryDecodeCstr(const char *contentType, PB_INT length,
                                                          MIME_OPTIONS *mo) PB_NOEXCEPT;

@@ -1,6 +1,7 @@
 #include <mime/mime_content_id.h>
 #include <mime/mime_content_transfer_encoding.h>
 #include <mime/mime_decode.h>
+#include <mime/mime_defect.hpp>
 #include <pb/pb_ref.hpp>
 #include <rfc/rfc_base.h>
 #include <rfc/rfc_quop.h>
@@ -40,6 +41,18 @@ Ref<PB_BUFFER> decodedBody(PB_BUFFER *body, MIME_CONTENT_TRANSFER_ENCODING cte, 
     return decoded;
 }
 
+// Why the body text of cte is invalid: the offset the tolerant decoder names.
+void reportBody(MIME_DEFECT **defect, PB_BUFFER *body, MIME_CONTENT_TRANSFER_ENCODING cte)
+{
+    if (!defect)
+        return;
+    PB_INT fault = 0;
+    bool base64 = cte == MIME_CONTENT_TRANSFER_ENCODING_BASE64;
+    Ref<PB_BUFFER> tolerant = adopt(base64 ? rfcBaseDecodeTolerant(body, RFC_BASE_VARIANT_BASE64, &fault)
+                                           : rfcQuopDecodeTolerant(body, &fault));
+    mime::report(defect, MIME_DEFECT_BODY_INVALID, fault, base64 ? "base64" : "quoted-printable");
+}
+
 } // namespace
 
 PB_BOOL mimeDecode(MIME_ENTITY *entity, MIME_OPTIONS *opt, PB_BUFFER **body, MIME_CONTENT_TYPE **contentType,
@@ -47,36 +60,48 @@ PB_BOOL mimeDecode(MIME_ENTITY *entity, MIME_OPTIONS *opt, PB_BUFFER **body, MIM
 {
     PB_ASSERT( entity );
     PB_ASSERT( opt );
+    return mimeDecodeWithDefect(entity, opt, body, contentType, contentDisposition, contentId, nullptr);
+}
+
+PB_BOOL mimeDecodeWithDefect(MIME_ENTITY *entity, MIME_OPTIONS *opt, PB_BUFFER **body, MIME_CONTENT_TYPE **contentType,
+                             MIME_CONTENT_DISPOSITION **contentDisposition, PB_STRING **contentId,
+                             MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( entity );
+    PB_ASSERT( opt );
     clear(body);
     clear(contentType);
     clear(contentDisposition);
     clear(contentId);
+    mime::clearDefect(defect);
 
     Ref<MIME_CONTENT_TYPE> type;
     if (Ref<PB_STRING> text = adopt(mimeEntityContentType(entity))) {
-        if (!(type = adopt(mimeContentTypeTryDecode(text.get(), opt))))
+        if (!(type = adopt(mimeContentTypeTryDecodeWithDefect(text.get(), opt, defect))))
             return 0;
     }
     Ref<MIME_CONTENT_DISPOSITION> disposition;
     if (Ref<PB_STRING> text = adopt(mimeEntityContentDisposition(entity))) {
-        if (!(disposition = adopt(mimeContentDispositionTryDecode(text.get(), opt))))
+        if (!(disposition = adopt(mimeContentDispositionTryDecodeWithDefect(text.get(), opt, defect))))
             return 0;
     }
     MIME_CONTENT_TRANSFER_ENCODING cte = MIME_CONTENT_TRANSFER_ENCODING_BINARY;
     if (Ref<PB_STRING> text = adopt(mimeEntityContentTransferEncoding(entity))) {
-        cte = mimeContentTransferEncodingTryDecode(text.get(), opt);
+        cte = mimeContentTransferEncodingTryDecodeWithDefect(text.get(), opt, defect);
         if (!MIME_CONTENT_TRANSFER_ENCODING_OK(cte))
             return 0;
     }
     Ref<PB_STRING> id;
     if (Ref<PB_STRING> text = adopt(mimeEntityContentId(entity))) {
-        if (!(id = adopt(mimeContentIdTryDecode(text.get()))))
+        if (!(id = adopt(mimeContentIdTryDecodeWithDefect(text.get(), defect))))
             return 0;
     }
     Ref<PB_BUFFER> decoded;
     if (Ref<PB_BUFFER> raw = adopt(mimeEntityBody(entity))) {
-        if (!(decoded = decodedBody(raw.get(), cte, opt)))
+        if (!(decoded = decodedBody(raw.get(), cte, opt))) {
+            reportBody(defect, raw.get(), cte);
             return 0;
+        }
     }
     handOut(body, decoded);
     handOut(contentType, type);

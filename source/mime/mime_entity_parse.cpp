@@ -1,5 +1,6 @@
 #include <mime/mime_byte_search.hpp>
 #include <mime/mime_char.hpp>
+#include <mime/mime_defect.hpp>
 #include <mime/mime_entity_fields.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_small_vector.hpp>
@@ -22,23 +23,6 @@ bool isLwsp(PB_BYTE c)
 bool isTrimmed(PB_BYTE c)
 {
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
-// True when b[0, n) is well-formed UTF-8, checked in pieces that end where a
-// sequence starts, so that the text is never copied whole.
-bool isUtf8(const PB_BYTE *b, PB_INT n)
-{
-    constexpr PB_INT kPiece = 1024;
-    PB_CHAR scratch[kPiece];
-    for (PB_INT i = 0; i < n;) {
-        PB_INT end = n - i <= kPiece ? n : i + kPiece;
-        while (end < n && end > i + kPiece - 4 && (b[end] & 0xC0) == 0x80)
-            --end; // not inside a sequence (a longer run of continuation bytes is ill-formed anyway)
-        if (pb::utf8::decode(b + i, static_cast<size_t>(end - i), scratch, true) < 0)
-            return false;
-        i = end;
-    }
-    return true;
 }
 
 // The field a header name sets (as mimeEntityFieldName numbers them), compared
@@ -71,10 +55,18 @@ class HeaderBlock {
 public:
     HeaderBlock(const PB_BYTE *bytes, PB_INT length) : c_(bytes), n_(length) {}
 
-    bool readInto(MIME_ENTITY **ent)
+    // Why reading failed: a code, where, and the field name it concerns.
+    struct Failure {
+        MIME_DEFECT_CODE code = 0;
+        PB_INT offset = 0;
+        std::string_view field;
+    };
+
+    bool readInto(MIME_ENTITY **ent, Failure &failure)
     {
+        failure_ = &failure;
         if (n_ > 0 && isLwsp(c_[0]))
-            return false; // a continuation with nothing to continue
+            return fail(MIME_DEFECT_HEADER_CONTINUATION_FIRST, 0); // nothing to continue
         // A joined line runs from its start to the CR LF that a non-continuation
         // line follows (or the end); each physical line is looked at once.
         for (PB_INT start = 0; start < n_;) {
@@ -101,21 +93,27 @@ private:
         return n_;
     }
 
+    bool fail(MIME_DEFECT_CODE code, PB_INT offset, std::string_view field = {})
+    {
+        *failure_ = {code, offset, field};
+        return false;
+    }
+
     bool readLine(PB_INT start, PB_INT end, bool folded, MIME_ENTITY **ent)
     {
         PB_INT colon = start;
         while (colon < end && c_[colon] != ':')
             ++colon;
         if (colon == end || colon == start)
-            return false;
+            return fail(MIME_DEFECT_HEADER_LINE_MALFORMED, start);
         for (PB_INT i = start; i < colon; ++i)
             if (c_[i] == ' ' || mime::chars::is(c_[i], mime::chars::kCtl))
-                return false; // a line break before the colon is a control character too
+                return fail(MIME_DEFECT_HEADER_LINE_MALFORMED, start); // a line break is a control character too
         int field = fieldOf(c_ + start, colon - start);
         if (field < 0)
             return true;
         if (seen_[field])
-            return false;
+            return fail(MIME_DEFECT_HEADER_FIELD_REPEATED, start, mime::kEntityFieldNames[field]);
         seen_[field] = true;
         static void (*const setters[kFieldCount])(MIME_ENTITY **, PB_STRING *) = {
             mimeEntitySetContentType, mimeEntitySetContentDisposition, mimeEntitySetContentTransferEncoding,
@@ -157,6 +155,7 @@ private:
     const PB_BYTE *c_;
     PB_INT n_;
     bool seen_[kFieldCount] = {};
+    Failure *failure_ = nullptr;
 };
 
 const PB_BYTE kCrLf[] = {'\r', '\n'};
@@ -164,10 +163,11 @@ const PB_BYTE kEmptyLine[] = {'\r', '\n', '\r', '\n'};
 
 } // namespace
 
-MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT length) noexcept
+MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT length, MIME_DEFECT **defect) noexcept
 {
     PB_ASSERT( content );
     PB_ASSERT( offset >= 0 && length >= 0 && offset <= pbBufferLength( content ) - length );
+    mime::clearDefect(defect);
     const PB_BYTE *b = pbBufferBacking(content) + offset;
     Ref<MIME_ENTITY> ent = adopt(mimeEntityCreate());
     PB_INT headerLength = 0, bodyStart = length;
@@ -180,8 +180,18 @@ MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT len
         // No empty line: all header lines, the last one perhaps ended by CR LF.
         headerLength = length >= 2 && std::memcmp(b + length - 2, kCrLf, 2) == 0 ? length - 2 : length;
     }
-    if (headerLength > 0 && (!isUtf8(b, headerLength) || !HeaderBlock(b, headerLength).readInto(ent.addr())))
-        return nullptr;
+    if (headerLength > 0) {
+        HeaderBlock::Failure failure;
+        if (PB_INT valid = static_cast<PB_INT>(pb::utf8::wellFormedLength(b, static_cast<size_t>(headerLength)));
+            valid < headerLength)
+            failure = {MIME_DEFECT_HEADER_NOT_UTF8, valid, {}};
+        else if (HeaderBlock(b, headerLength).readInto(ent.addr(), failure))
+            failure.code = -1;
+        if (failure.code >= 0) {
+            mime::report(defect, failure.code, offset + failure.offset, failure.field);
+            return nullptr;
+        }
+    }
     if (bodyStart < length) {
         Ref<PB_BUFFER> body = adopt(pbBufferRead(content, offset + bodyStart, length - bodyStart));
         mimeEntitySetBody(ent.addr(), body.get());
@@ -193,5 +203,12 @@ MIME_ENTITY *mimeEntityTryParse(PB_BUFFER *content, MIME_OPTIONS *opt) noexcept
 {
     PB_ASSERT( content );
     PB_ASSERT( opt );
-    return mime___EntityTryParse(content, 0, pbBufferLength(content));
+    return mime___EntityTryParse(content, 0, pbBufferLength(content), nullptr);
+}
+
+MIME_ENTITY *mimeEntityTryParseWithDefect(PB_BUFFER *content, MIME_OPTIONS *opt, MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( content );
+    PB_ASSERT( opt );
+    return mime___EntityTryParse(content, 0, pbBufferLength(content), defect);
 }

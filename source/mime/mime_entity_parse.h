@@ -30,6 +30,7 @@
 #define MIME_ENTITY_PARSE_H
 
 #include <mime/mime_api.h>
+#include <mime/mime_defect.h>
 #include <mime/mime_entity.h>
 #include <mime/mime_options.h>
 
@@ -39,8 +40,21 @@ PB_BEGIN_DECLS
  * steers nothing yet. */
 MIME_API MIME_ENTITY *mimeEntityTryParse(PB_BUFFER *content, MIME_OPTIONS *opt) PB_NOEXCEPT;
 
-/** Library-internal: the same over the length bytes of content from offset. */
-MIME_API MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT length) PB_NOEXCEPT;
+/** mimeEntityTryParse that also says why it fails: *defect (when defect is not
+ * null) is released and set to null on entry, and on failure set to a new
+ * defect whose offset is the byte of content where the fault lies: the first
+ * byte that is not UTF-8 (MIME_DEFECT_HEADER_NOT_UTF8), the start of the first
+ * line (MIME_DEFECT_HEADER_CONTINUATION_FIRST), or the start of the line that
+ * is malformed (MIME_DEFECT_HEADER_LINE_MALFORMED) or repeats a field
+ * (MIME_DEFECT_HEADER_FIELD_REPEATED). */
+MIME_API MIME_ENTITY *mimeEntityTryParseWithDefect(PB_BUFFER *content, MIME_OPTIONS *opt,
+                                                   MIME_DEFECT **defect) PB_NOEXCEPT;
+
+/** Library-internal: mimeEntityTryParseWithDefect over the length bytes of
+ * content from offset (defect offsets count from the start of content; defect
+ * may be null). */
+MIME_API MIME_ENTITY *mime___EntityTryParse(PB_BUFFER *content, PB_INT offset, PB_INT length,
+                                            MIME_DEFECT **defect) PB_NOEXCEPT;
 
 PB_END_DECLS
 

@@ -1,5 +1,6 @@
 #include <mime/mime_byte_search.hpp>
 #include <mime/mime_char.hpp>
+#include <mime/mime_defect.hpp>
 #include <mime/mime_entity_fields.hpp>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_multipart.h>
@@ -246,6 +247,15 @@ bool readDelimiterLine(const Delimiter &d, const PB_BYTE *b, PB_INT n, PB_INT *a
     return true;
 }
 
+// defect, given to part number (a reference taken over and handed back).
+MIME_DEFECT *renumbered(MIME_DEFECT *defect, PB_INT number)
+{
+    Ref<MIME_DEFECT> held = adopt(defect);
+    Ref<PB_STRING> part = adopt(pbStringCreateFromFormatCstr("%i", -1, number));
+    Ref<PB_STRING> text = adopt(mimeDefectText(defect));
+    return mimeDefectCreate(mimeDefectCode(defect), mimeDefectOffset(defect), part.get(), text.get());
+}
+
 } // namespace
 
 PB_VECTOR *mimeMultipartTryUnpack(MIME_CONTENT_TYPE *contentType, PB_BUFFER *content, MIME_OPTIONS *opt) noexcept
@@ -253,29 +263,55 @@ PB_VECTOR *mimeMultipartTryUnpack(MIME_CONTENT_TYPE *contentType, PB_BUFFER *con
     PB_ASSERT( contentType );
     PB_ASSERT( content );
     PB_ASSERT( opt );
+    return mimeMultipartTryUnpackWithDefect(contentType, content, opt, nullptr);
+}
+
+PB_VECTOR *mimeMultipartTryUnpackWithDefect(MIME_CONTENT_TYPE *contentType, PB_BUFFER *content, MIME_OPTIONS *opt,
+                                            MIME_DEFECT **defect) noexcept
+{
+    PB_ASSERT( contentType );
+    PB_ASSERT( content );
+    PB_ASSERT( opt );
+    mime::clearDefect(defect);
     Ref<PB_STRING> boundary = adopt(mimeContentTypeParameterCstr(contentType, "boundary", -1));
-    if (!boundary || !mimeMultipartBoundaryOk(boundary.get()))
+    if (!boundary || !mimeMultipartBoundaryOk(boundary.get())) {
+        mime::report(defect, MIME_DEFECT_BOUNDARY_INVALID, 0);
         return nullptr;
+    }
     Delimiter delimiter(boundary.get());
+    std::string_view name(reinterpret_cast<const char *>(delimiter.boundary()),
+                          static_cast<size_t>(delimiter.boundaryLength()));
     const PB_BYTE *b = pbBufferBacking(content);
     PB_INT n = pbBufferLength(content);
     Ref<PB_VECTOR> parts = adopt(pbVectorCreate());
-    for (PB_INT at = delimiter.find(b, n, 0); at >= 0;) {
+    PB_INT at = delimiter.find(b, n, 0);
+    if (at < 0) {
+        mime::report(defect, MIME_DEFECT_DELIMITER_MISSING, 0, name);
+        return nullptr;
+    }
+    for (;;) {
         bool closing = false;
-        if (!readDelimiterLine(delimiter, b, n, &at, &closing))
+        PB_INT line = at == 0 ? 0 : at + 2;
+        if (!readDelimiterLine(delimiter, b, n, &at, &closing)) {
+            mime::report(defect, MIME_DEFECT_DELIMITER_LINE_MALFORMED, line, name);
             return nullptr;
+        }
         if (closing)
             return parts.release();
         PB_INT end = delimiter.find(b, n, at);
-        if (end < 0)
-            return nullptr; // no close delimiter
-        Ref<MIME_ENTITY> part = adopt(mime___EntityTryParse(content, at, end - at));
-        if (!part)
+        if (end < 0) {
+            mime::report(defect, MIME_DEFECT_CLOSE_DELIMITER_MISSING, n, name);
             return nullptr;
+        }
+        Ref<MIME_ENTITY> part = adopt(mime___EntityTryParse(content, at, end - at, defect));
+        if (!part) {
+            if (defect) // the same defect, named after its part
+                *defect = renumbered(*defect, pbVectorLength(parts.get()) + 1);
+            return nullptr;
+        }
         pbVectorAppendObj(parts.addr(), mimeEntityObj(part.get()));
         at = end;
     }
-    return nullptr; // no delimiter at all
 }
 
 PB_BOOL mimeMultipartBoundaryOkCstr(const char *text, PB_INT length) noexcept

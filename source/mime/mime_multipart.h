@@ -59,6 +59,16 @@ MIME_API PB_BUFFER *mimeMultipartTryPack(MIME_CONTENT_TYPE **contentType, PB_VEC
  * opt is required and steers nothing yet. */
 MIME_API PB_VECTOR *mimeMultipartTryUnpack(MIME_CONTENT_TYPE *contentType, PB_BUFFER *content,
                                            MIME_OPTIONS *opt) PB_NOEXCEPT;
+/** mimeMultipartTryUnpack that also says why it fails: *defect (when defect is
+ * not null) is released and set to null on entry, and on failure set to a new
+ * defect with the byte of content where the fault lies:
+ * MIME_DEFECT_BOUNDARY_INVALID (offset 0), MIME_DEFECT_DELIMITER_MISSING
+ * (offset 0), MIME_DEFECT_DELIMITER_LINE_MALFORMED (the line's start),
+ * MIME_DEFECT_CLOSE_DELIMITER_MISSING (the end of content), or the defect of
+ * mimeEntityTryParseWithDefect for the part that cannot be read, with its part
+ * number ("1" for the first). */
+MIME_API PB_VECTOR *mimeMultipartTryUnpackWithDefect(MIME_CONTENT_TYPE *contentType, PB_BUFFER *content,
+                                                     MIME_OPTIONS *opt, MIME_DEFECT **defect) PB_NOEXCEPT;
 
 PB_END_DECLS
 

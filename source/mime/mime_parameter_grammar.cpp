@@ -15,8 +15,10 @@ using namespace chars;
 bool Pieces::scan(PB_STRING *value) noexcept
 {
     chars_ = pbStringBacking(value);
+    valueLength_ = pbStringLength(value);
+    failedAt_ = -1;
     pieces_.clear();
-    ShfScanner scanner(chars_, pbStringLength(value));
+    ShfScanner scanner(chars_, valueLength_);
     for (ShfPiece piece{};;) {
         switch (scanner.next(piece)) {
         case ShfScanner::Step::Piece:
@@ -26,6 +28,7 @@ bool Pieces::scan(PB_STRING *value) noexcept
         case ShfScanner::Step::End:
             return true;
         case ShfScanner::Step::Invalid:
+            failedAt_ = scanner.at();
             return false;
         }
     }

@@ -27,9 +27,12 @@ class Pieces {
 public:
     using Chars = mime::SmallVector<PB_CHAR, 256>;
 
-    // False when the lexer refuses the value.
+    // False when the lexer refuses the value; failedAt() then tells where.
     bool scan(PB_STRING *value) noexcept;
+    PB_INT failedAt() const { return failedAt_; }
     PB_INT length() const { return static_cast<PB_INT>(pieces_.size()); }
+    // Where piece i starts in the value; the value's length past the last piece.
+    PB_INT offsetOf(PB_INT i) const noexcept { return i < length() ? pieces_.data()[i].start : valueLength_; }
     bool isWord(PB_INT i) const noexcept;
     bool isTspecial(PB_INT i, PB_CHAR c) const noexcept;
     // The plain value of word i (a quoted string without quotes and escapes),
@@ -40,6 +43,8 @@ public:
 
 private:
     const PB_CHAR *chars_ = nullptr;
+    PB_INT valueLength_ = 0;
+    PB_INT failedAt_ = -1;
     mime::SmallVector<ShfPiece, 32> pieces_;
 };
 

@@ -35,6 +35,9 @@ public:
     // scanner stays where it failed). Inline: it is the inner loop of every
     // header decoder.
     Step next(ShfPiece &piece) noexcept;
+    // Where the scanner stands: after the last piece, or at the opening
+    // character of the piece that made the text invalid.
+    PB_INT at() const noexcept { return at_; }
 
 private:
     // Scans the delimited piece opening at from; its end (one past the closing

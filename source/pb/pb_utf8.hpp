@@ -20,6 +20,60 @@ inline bool isScalar(PB_CHAR c)
     return c < 0xD800 || (c > 0xDFFF && c <= 0x10FFFF);
 }
 
+// Reads the sequence that starts with the byte of 128 or more at in[i]: its
+// code point into c and its length, or minus the length of its maximal subpart
+// (at least 1) when it is ill-formed.
+inline int readSequence(const uint8_t *in, size_t n, size_t i, PB_CHAR &c)
+{
+    uint8_t b = in[i];
+    // Lead byte: number of continuation bytes and the range of the first one.
+    int need;
+    uint8_t lo = 0x80, hi = 0xBF;
+    if (b >= 0xC2 && b <= 0xDF) {
+        need = 1;
+        c = b & 0x1F;
+    } else if (b >= 0xE0 && b <= 0xEF) {
+        need = 2;
+        c = b & 0x0F;
+        if (b == 0xE0)
+            lo = 0xA0;
+        else if (b == 0xED)
+            hi = 0x9F;
+    } else if (b >= 0xF0 && b <= 0xF4) {
+        need = 3;
+        c = b & 0x07;
+        if (b == 0xF0)
+            lo = 0x90;
+        else if (b == 0xF4)
+            hi = 0x8F;
+    } else {
+        return -1;
+    }
+    size_t j = i + 1;
+    for (int k = 0; k < need; ++k, ++j) {
+        if (j >= n || in[j] < lo || in[j] > hi)
+            return -static_cast<int>(j - i); // resume at the byte that broke the sequence
+        c = (c << 6) | (in[j] & 0x3F);
+        lo = 0x80;
+        hi = 0xBF;
+    }
+    return need + 1;
+}
+
+// The length of the longest ASCII run at in[i] rounded down to eight bytes.
+inline size_t asciiWords(const uint8_t *in, size_t n, size_t i)
+{
+    size_t from = i;
+    while (i + 8 <= n) {
+        uint64_t word;
+        std::memcpy(&word, in + i, 8);
+        if (word & 0x8080808080808080ull)
+            break;
+        i += 8;
+    }
+    return i - from;
+}
+
 // Decodes n bytes into out (room for n code points). Returns the number of code
 // points written, or -1 when strict and the input is ill-formed.
 inline PB_INT decode(const uint8_t *in, size_t n, PB_CHAR *out, bool strict)
@@ -39,62 +93,40 @@ inline PB_INT decode(const uint8_t *in, size_t n, PB_CHAR *out, bool strict)
         }
         if (i >= n)
             break;
-        uint8_t b = in[i];
-        if (b < 0x80) {
-            *o++ = b;
-            ++i;
+        if (in[i] < 0x80) {
+            *o++ = in[i++];
             continue;
         }
-        // Lead byte: number of continuation bytes and the range of the first one.
-        int need;
-        uint8_t lo = 0x80, hi = 0xBF;
-        PB_CHAR c;
-        if (b >= 0xC2 && b <= 0xDF) {
-            need = 1;
-            c = b & 0x1F;
-        } else if (b >= 0xE0 && b <= 0xEF) {
-            need = 2;
-            c = b & 0x0F;
-            if (b == 0xE0)
-                lo = 0xA0;
-            else if (b == 0xED)
-                hi = 0x9F;
-        } else if (b >= 0xF0 && b <= 0xF4) {
-            need = 3;
-            c = b & 0x07;
-            if (b == 0xF0)
-                lo = 0x90;
-            else if (b == 0xF4)
-                hi = 0x8F;
-        } else {
-            if (strict)
-                return -1;
-            *o++ = kReplacement;
-            ++i;
-            continue;
-        }
-        size_t j = i + 1;
-        bool ok = true;
-        for (int k = 0; k < need; ++k, ++j) {
-            if (j >= n || in[j] < lo || in[j] > hi) {
-                ok = false;
-                break;
-            }
-            c = (c << 6) | (in[j] & 0x3F);
-            lo = 0x80;
-            hi = 0xBF;
-        }
-        if (!ok) {
-            if (strict)
-                return -1;
-            *o++ = kReplacement;
-            i = j; // resume at the byte that broke the sequence
-            continue;
-        }
-        *o++ = c;
-        i = j;
+        PB_CHAR c = 0;
+        int length = readSequence(in, n, i, c);
+        if (length < 0 && strict)
+            return -1;
+        *o++ = length < 0 ? kReplacement : c;
+        i += static_cast<size_t>(length < 0 ? -length : length);
     }
     return o - out;
+}
+
+// The offset of the first byte of in[0, n) that starts no well-formed
+// sequence, or n when all of it is well-formed.
+inline size_t wellFormedLength(const uint8_t *in, size_t n)
+{
+    size_t i = 0;
+    while (i < n) {
+        i += asciiWords(in, n, i);
+        if (i >= n)
+            break;
+        if (in[i] < 0x80) {
+            ++i;
+            continue;
+        }
+        PB_CHAR c = 0;
+        int length = readSequence(in, n, i, c);
+        if (length < 0)
+            return i;
+        i += static_cast<size_t>(length);
+    }
+    return n;
 }
 
 // Bytes that encode(c) writes; a value that is no Unicode scalar counts as U+FFFD.

@@ -35,6 +35,13 @@ RFC_API PB_BUFFER *rfcBaseEncodeWithOptions(PB_BUFFER *buffer, PB_INT variant, R
 /** Returns a new buffer with the decoded bytes, or null when the text is invalid. */
 RFC_API PB_BUFFER *rfcBaseTryDecodeWithOptions(PB_BUFFER *buffer, PB_INT variant,
                                                RFC_BASE_OPTIONS *options) PB_NOEXCEPT;
+/** Decodes as mail readers do; never null. Text that rfcBaseTryDecodeWithOptions
+ * takes gives the same bytes and *fault -1 (when fault is not null). Other text
+ * sets *fault to the offset of the first character refused (the length of the
+ * text for a lone last sextet) and is decoded over what is base64: characters
+ * outside the alphabet and a "=" before two sextets are skipped, padding after
+ * two or three sextets ends the text, a lone last sextet is dropped. */
+RFC_API PB_BUFFER *rfcBaseDecodeTolerant(PB_BUFFER *buffer, PB_INT variant, PB_INT *fault) PB_NOEXCEPT;
 
 PB_END_DECLS
 

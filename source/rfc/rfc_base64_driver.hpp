@@ -71,12 +71,22 @@ template <class Ops> void encodeWith(const uint8_t *in, size_t n, int64_t lineLe
     }
 }
 
-template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *out)
+// Decodes in[0, n). Strict without fault (-1 for invalid text); with fault,
+// tolerant: *fault becomes the offset of the first character the strict
+// reading refuses (n for a lone last sextet), and decoding goes on over what is
+// base64: characters outside the alphabet and misplaced "=" are skipped,
+// padding after two or three sextets ends the text, a lone sextet is dropped.
+template <class Ops> ptrdiff_t decodeTolerating(const uint8_t *in, size_t n, uint8_t *out, size_t *fault)
 {
     const auto &values = tables::base64Values;
     size_t i = 0, o = 0;
     uint32_t bits = 0;
     int pending = 0; // sextets in bits
+    auto refused = [fault](size_t at) {
+        if (fault && *fault == SIZE_MAX)
+            *fault = at;
+        return !fault;
+    };
     while (i < n) {
         if (pending == 0) {
             size_t written = 0;
@@ -98,28 +108,42 @@ template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *
         } else if (value == tables::kBase64Pad) {
             // Padding ends the text: "=" after three sextets, "==" after two, then
             // nothing but skipped characters.
+            if (pending < 2) {
+                if (refused(i - 1))
+                    return -1;
+                continue; // a stray "=" in tolerant reading
+            }
             int pads = 1;
+            size_t padStart = i - 1;
             for (; i < n; ++i) {
                 uint8_t next = values.at[in[i]];
                 if (next == tables::kBase64Pad)
                     ++pads;
-                else if (next != tables::kBase64Space)
+                else if (next != tables::kBase64Space && refused(i))
                     return -1;
             }
-            if (pending < 2 || pads != 4 - pending)
+            if (pads != 4 - pending && refused(padStart))
                 return -1;
             break;
-        } else if (value != tables::kBase64Space) {
+        } else if (value != tables::kBase64Space && refused(i - 1)) {
             return -1;
         }
     }
-    if (pending == 1)
-        return -1;
+    if (pending == 1) {
+        if (refused(n))
+            return -1;
+        pending = 0;
+    }
     if (pending >= 2)
         out[o++] = static_cast<uint8_t>(bits >> (pending == 2 ? 4 : 10));
     if (pending == 3)
         out[o++] = static_cast<uint8_t>(bits >> 2);
     return static_cast<ptrdiff_t>(o);
+}
+
+template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *out)
+{
+    return decodeTolerating<Ops>(in, n, out, nullptr);
 }
 
 } // namespace

@@ -22,4 +22,22 @@ template <class Codec> PB_BUFFER *codeBuffer(PB_BUFFER *input, size_t bound, Cod
     return output.release();
 }
 
+// Runs a strict codec (fast kernels) and, when it refuses the input, its
+// tolerant twin, which always decodes. *fault (when fault is not null) is -1
+// for input the strict codec takes, else the offset of the first fault.
+template <class Strict, class Tolerant>
+PB_BUFFER *decodeTolerantly(PB_BUFFER *input, size_t bound, Strict strict, Tolerant tolerant, PB_INT *fault) noexcept
+{
+    if (fault)
+        *fault = -1;
+    if (PB_BUFFER *decoded = codeBuffer(input, bound, strict))
+        return decoded;
+    size_t at = SIZE_MAX;
+    PB_BUFFER *decoded =
+        codeBuffer(input, bound, [&](const uint8_t *in, size_t n, uint8_t *out) { return tolerant(in, n, out, &at); });
+    if (fault)
+        *fault = static_cast<PB_INT>(at);
+    return decoded;
+}
+
 } // namespace rfc

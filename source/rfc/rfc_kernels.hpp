@@ -35,6 +35,11 @@ const Kernels *avx512Kernels() noexcept;
 // The fastest kernels this processor runs, chosen once.
 const Kernels &bestKernels() noexcept;
 
+// The tolerant decoders (scalar; for text that the strict ones refuse): *fault
+// must be SIZE_MAX on entry and becomes the offset of the first fault.
+ptrdiff_t base64DecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept;
+ptrdiff_t quopDecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept;
+
 // Classes of bytes shared by the inner loops and the drivers. Plain arrays in a
 // struct, so that reading them calls no inline library function, which the
 // vector builds would otherwise compile with their own instruction sets.

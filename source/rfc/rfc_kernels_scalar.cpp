@@ -22,6 +22,16 @@ const Kernels &scalarKernels() noexcept
     return scalar;
 }
 
+ptrdiff_t base64DecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept
+{
+    return base64::decodeTolerating<ScalarOps>(in, n, out, fault);
+}
+
+ptrdiff_t quopDecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept
+{
+    return quop::decodeTolerating<ScalarOps>(in, n, out, fault);
+}
+
 extern const Kernels avx2KernelTable;   // rfc_kernels_avx2.cpp
 extern const Kernels avx512KernelTable; // rfc_kernels_avx512.cpp
 

@@ -25,6 +25,16 @@ PB_INT rfcQuopEscapeCount(PB_BUFFER *buffer, PB_INT offset, PB_INT length) noexc
     return static_cast<PB_INT>(rfc::quop::escapeCount(in, static_cast<size_t>(length), rfc::bestKernels()));
 }
 
+PB_BUFFER *rfcQuopDecodeTolerant(PB_BUFFER *buffer, PB_INT *fault) noexcept
+{
+    PB_ASSERT( buffer );
+    size_t bound = rfc::quop::decodeBound(static_cast<size_t>(pbBufferLength(buffer)));
+    return rfc::decodeTolerantly(
+        buffer, bound,
+        [](const uint8_t *in, size_t n, uint8_t *out) { return rfc::quop::decode(in, n, out, rfc::bestKernels()); },
+        rfc::quopDecodeTolerant, fault);
+}
+
 PB_BUFFER *rfcQuopTryDecodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) noexcept
 {
     PB_ASSERT( buffer );

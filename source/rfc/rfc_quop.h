@@ -42,6 +42,11 @@ RFC_API PB_BUFFER *rfcQuopEncodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS 
 RFC_API PB_INT rfcQuopEscapeCount(PB_BUFFER *buffer, PB_INT offset, PB_INT length) PB_NOEXCEPT;
 /** Returns a new buffer with the decoded bytes, or null when the text is invalid. */
 RFC_API PB_BUFFER *rfcQuopTryDecodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) PB_NOEXCEPT;
+/** Decodes as mail readers do; never null. Text that rfcQuopTryDecodeWithOptions
+ * takes gives the same bytes and *fault -1 (when fault is not null). Other text
+ * sets *fault to the offset of the first "=" that starts neither an escape nor
+ * a soft line break, and each such "=" is kept as it stands. */
+RFC_API PB_BUFFER *rfcQuopDecodeTolerant(PB_BUFFER *buffer, PB_INT *fault) PB_NOEXCEPT;
 
 PB_END_DECLS
 

@@ -122,7 +122,10 @@ template <class Ops> size_t encodeWith(const uint8_t *in, size_t n, int64_t maxL
     }
 }
 
-template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *out)
+// Decodes in[0, n). Strict without fault (-1 for invalid text); with fault,
+// tolerant: *fault becomes the offset of the first "=" that starts neither an
+// escape nor a soft line break, and each such "=" is kept as it stands.
+template <class Ops> ptrdiff_t decodeTolerating(const uint8_t *in, size_t n, uint8_t *out, size_t *fault)
 {
     const auto &hex = tables::hexValues;
     size_t i = 0, o = 0;
@@ -162,10 +165,20 @@ template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *
             i = j + 1;
         else if (isHardBreakAt(in, n, j))
             i = j + 2;
-        else
+        else if (!fault)
             return -1;
+        else {
+            if (*fault == SIZE_MAX)
+                *fault = i;
+            out[o++] = in[i++];
+        }
         kept = o;
     }
+}
+
+template <class Ops> ptrdiff_t decodeWith(const uint8_t *in, size_t n, uint8_t *out)
+{
+    return decodeTolerating<Ops>(in, n, out, nullptr);
 }
 
 } // namespace

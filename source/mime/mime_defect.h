@@ -1,0 +1,98 @@
+/** @file
+ * MIME_DEFECT: one departure of wire input from the RFCs, found by a reader:
+ * what it is (a code from the list below), where it was found, and one
+ * sentence of English that says so.
+ *
+ * Where: a byte offset and a part number. The strict readers
+ * (mimeEntityTryParseWithDefect, mimeMultipartTryUnpackWithDefect,
+ * mimeDecodeWithDefect) count bytes in the input of the call; for a header
+ * value (mimeContentTypeTryDecodeWithDefect and its kin) the offset counts
+ * characters of the value. Their part number is "" for the input itself and
+ * "N" for the Nth part of an unpacked multipart body. The tolerant reader
+ * (mime_message.h) counts bytes of the outermost input and numbers parts from
+ * the message, "1", as "1.2.3".
+ *
+ * Defects are values: they compare by offset, then part, code and text; their
+ * text form is "part 1.2, byte 5120: the close delimiter --b-- is missing"
+ * ("byte N: ..." when the part is ""). */
+#ifndef MIME_DEFECT_H
+#define MIME_DEFECT_H
+
+#include <mime/mime_api.h>
+#include <pb/pb_sort.h>
+#include <pb/pb_string.h>
+
+PB_BEGIN_DECLS
+
+typedef struct MIME_DEFECT MIME_DEFECT;
+
+/** What a defect is: one of the codes below. */
+typedef PB_INT MIME_DEFECT_CODE;
+
+/* Lines and header blocks. */
+#define MIME_DEFECT_LINE_END_BARE \
+    ((MIME_DEFECT_CODE)0) /* a line ends in LF alone (counted once per header block and body) */
+#define MIME_DEFECT_MBOX_FROM_LINE ((MIME_DEFECT_CODE)1)  /* an mbox "From " line stands before the header block */
+#define MIME_DEFECT_HEADER_NOT_UTF8 ((MIME_DEFECT_CODE)2) /* header bytes that are not UTF-8 (read as Latin-1) */
+#define MIME_DEFECT_HEADER_CONTINUATION_FIRST \
+    ((MIME_DEFECT_CODE)3)                                       /* the first header line starts with a space or tab */
+#define MIME_DEFECT_HEADER_LINE_MALFORMED ((MIME_DEFECT_CODE)4) /* a header line without colon or with a bad name */
+#define MIME_DEFECT_HEADER_NO_EMPTY_LINE ((MIME_DEFECT_CODE)5)  /* no empty line between header block and body */
+#define MIME_DEFECT_HEADER_FIELD_REPEATED ((MIME_DEFECT_CODE)6) /* a Content-* field given twice (the first is read) \
+                                                                 */
+/* Header values. */
+#define MIME_DEFECT_CONTENT_TYPE_INVALID ((MIME_DEFECT_CODE)7)
+#define MIME_DEFECT_CONTENT_DISPOSITION_INVALID ((MIME_DEFECT_CODE)8)
+#define MIME_DEFECT_CONTENT_ID_INVALID ((MIME_DEFECT_CODE)9)
+#define MIME_DEFECT_TRANSFER_ENCODING_INVALID ((MIME_DEFECT_CODE)10)
+#define MIME_DEFECT_CHARSET_UNKNOWN ((MIME_DEFECT_CODE)11) /* an RFC 2231 charset that is no registered name */
+#define MIME_DEFECT_ENCODED_WORD_IN_PARAMETER ((MIME_DEFECT_CODE)12) /* an RFC 2047 word inside a parameter value */
+/* Bodies. */
+#define MIME_DEFECT_BODY_INVALID ((MIME_DEFECT_CODE)13)      /* base64 or quoted-printable text that is malformed */
+#define MIME_DEFECT_BOUNDARY_INVALID ((MIME_DEFECT_CODE)14)  /* a multipart type without a valid boundary */
+#define MIME_DEFECT_DELIMITER_MISSING ((MIME_DEFECT_CODE)15) /* a multipart body without any delimiter line */
+#define MIME_DEFECT_DELIMITER_LINE_MALFORMED ((MIME_DEFECT_CODE)16) /* a delimiter followed by more than padding */
+#define MIME_DEFECT_CLOSE_DELIMITER_MISSING ((MIME_DEFECT_CODE)17)
+#define MIME_DEFECT_MESSAGE_ENCODED ((MIME_DEFECT_CODE)18) /* a message/rfc822 body under a transfer encoding */
+#define MIME_DEFECT_LIMIT_EXCEEDED ((MIME_DEFECT_CODE)19)  /* nesting, part count or header size past its limit */
+/** The number of codes: every code lies in 0 .. MIME_DEFECT_CODE_COUNT - 1. */
+#define MIME_DEFECT_CODE_COUNT 20
+
+/** The sort record of MIME_DEFECT. */
+MIME_API const PB_SORT *mimeDefectSort(void) PB_NOEXCEPT;
+/** Adds a reference to obj and returns it. Aborts when obj is null. */
+MIME_API MIME_DEFECT *mimeDefectRetain(MIME_DEFECT *obj) PB_NOEXCEPT;
+/** Drops a reference to obj, freeing it with the last. Aborts when obj is null. */
+MIME_API void mimeDefectRelease(MIME_DEFECT *obj) PB_NOEXCEPT;
+/** obj as a base object: the same pointer, no reference added. */
+MIME_API PB_OBJ *mimeDefectObj(MIME_DEFECT *obj) PB_NOEXCEPT;
+/** obj as a MIME_DEFECT: the same pointer, no reference added; null passes. Aborts when obj is of another sort. */
+MIME_API MIME_DEFECT *mimeDefectFrom(PB_OBJ *obj) PB_NOEXCEPT;
+/** A new string "part P, byte N: text" (see above). Aborts when obj is null. */
+MIME_API PB_STRING *mimeDefectToString(MIME_DEFECT *obj) PB_NOEXCEPT;
+/** -1, 0 or 1 as objA orders before, with or after objB (offset, part, code, text). Aborts when either is null. */
+MIME_API PB_INT mimeDefectCompare(MIME_DEFECT *objA, MIME_DEFECT *objB) PB_NOEXCEPT;
+/** Whether mimeDefectCompare gives 0. */
+MIME_API PB_BOOL mimeDefectEquals(MIME_DEFECT *objA, MIME_DEFECT *objB) PB_NOEXCEPT;
+
+/** A new defect. Aborts unless code is a listed code, offset >= 0 and part and
+ * text are not null. */
+MIME_API MIME_DEFECT *mimeDefectCreate(MIME_DEFECT_CODE code, PB_INT offset, PB_STRING *part,
+                                       PB_STRING *text) PB_NOEXCEPT;
+/** The defect's code. Aborts when defect is null. */
+MIME_API MIME_DEFECT_CODE mimeDefectCode(MIME_DEFECT *defect) PB_NOEXCEPT;
+/** Where the defect was found (see above). Aborts when defect is null. */
+MIME_API PB_INT mimeDefectOffset(MIME_DEFECT *defect) PB_NOEXCEPT;
+/** The number of the part it belongs to, a new reference ("" for the input
+ * itself). Aborts when defect is null. */
+MIME_API PB_STRING *mimeDefectPart(MIME_DEFECT *defect) PB_NOEXCEPT;
+/** Its sentence, a new reference. Aborts when defect is null. */
+MIME_API PB_STRING *mimeDefectText(MIME_DEFECT *defect) PB_NOEXCEPT;
+/** The name of code as static text ("close-delimiter-missing" and so on: the
+ * macro's name after MIME_DEFECT_, lower case, "_" as "-"). Aborts unless
+ * 0 <= code < MIME_DEFECT_CODE_COUNT. */
+MIME_API const char *mimeDefectCodeName(MIME_DEFECT_CODE code) PB_NOEXCEPT;
+
+PB_END_DECLS
+
+#endif
