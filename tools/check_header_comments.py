@@ -16,6 +16,8 @@ def declarations(path):
     lines = open(path, encoding="utf-8").read().split("\n")
     previous = ""
     for number, line in enumerate(lines, 1):
+        if re.match(r"^(PB|RFC|MIME)_API\b[^(;]*$", line) and number < len(lines):
+            line += " " + lines[number].strip()  # a long return type puts the name on the next line
         match = DECLARATION.match(line)
         if match:
             yield number, match.group(2) or match.group(3), previous.endswith("*/")

@@ -29,32 +29,46 @@ typedef struct MIME_DEFECT MIME_DEFECT;
 /** What a defect is: one of the codes below. */
 typedef PB_INT MIME_DEFECT_CODE;
 
-/* Lines and header blocks. */
-#define MIME_DEFECT_LINE_END_BARE \
-    ((MIME_DEFECT_CODE)0) /* a line ends in LF alone (counted once per header block and body) */
-#define MIME_DEFECT_MBOX_FROM_LINE ((MIME_DEFECT_CODE)1)  /* an mbox "From " line stands before the header block */
-#define MIME_DEFECT_HEADER_NOT_UTF8 ((MIME_DEFECT_CODE)2) /* header bytes that are not UTF-8 (read as Latin-1) */
-#define MIME_DEFECT_HEADER_CONTINUATION_FIRST \
-    ((MIME_DEFECT_CODE)3)                                       /* the first header line starts with a space or tab */
-#define MIME_DEFECT_HEADER_LINE_MALFORMED ((MIME_DEFECT_CODE)4) /* a header line without colon or with a bad name */
-#define MIME_DEFECT_HEADER_NO_EMPTY_LINE ((MIME_DEFECT_CODE)5)  /* no empty line between header block and body */
-#define MIME_DEFECT_HEADER_FIELD_REPEATED ((MIME_DEFECT_CODE)6) /* a Content-* field given twice (the first is read) \
-                                                                 */
-/* Header values. */
+/** A line ends in LF alone (reported once per header block and once per body). */
+#define MIME_DEFECT_LINE_END_BARE ((MIME_DEFECT_CODE)0)
+/** An mbox "From " line stands before the header block. */
+#define MIME_DEFECT_MBOX_FROM_LINE ((MIME_DEFECT_CODE)1)
+/** Header bytes that are not UTF-8 (the tolerant reader takes them as Latin-1). */
+#define MIME_DEFECT_HEADER_NOT_UTF8 ((MIME_DEFECT_CODE)2)
+/** The first header line starts with a space or a tab. */
+#define MIME_DEFECT_HEADER_CONTINUATION_FIRST ((MIME_DEFECT_CODE)3)
+/** A header line without a colon, or with a bad field name. */
+#define MIME_DEFECT_HEADER_LINE_MALFORMED ((MIME_DEFECT_CODE)4)
+/** No empty line between the header block and the body. */
+#define MIME_DEFECT_HEADER_NO_EMPTY_LINE ((MIME_DEFECT_CODE)5)
+/** A Content-* field given twice (the tolerant reader reads the first). */
+#define MIME_DEFECT_HEADER_FIELD_REPEATED ((MIME_DEFECT_CODE)6)
+/** A Content-Type value that cannot be read. */
 #define MIME_DEFECT_CONTENT_TYPE_INVALID ((MIME_DEFECT_CODE)7)
+/** A Content-Disposition value that cannot be read. */
 #define MIME_DEFECT_CONTENT_DISPOSITION_INVALID ((MIME_DEFECT_CODE)8)
+/** A Content-Id value that cannot be read. */
 #define MIME_DEFECT_CONTENT_ID_INVALID ((MIME_DEFECT_CODE)9)
+/** A Content-Transfer-Encoding value that names no known encoding. */
 #define MIME_DEFECT_TRANSFER_ENCODING_INVALID ((MIME_DEFECT_CODE)10)
-#define MIME_DEFECT_CHARSET_UNKNOWN ((MIME_DEFECT_CODE)11) /* an RFC 2231 charset that is no registered name */
-#define MIME_DEFECT_ENCODED_WORD_IN_PARAMETER ((MIME_DEFECT_CODE)12) /* an RFC 2047 word inside a parameter value */
-/* Bodies. */
-#define MIME_DEFECT_BODY_INVALID ((MIME_DEFECT_CODE)13)      /* base64 or quoted-printable text that is malformed */
-#define MIME_DEFECT_BOUNDARY_INVALID ((MIME_DEFECT_CODE)14)  /* a multipart type without a valid boundary */
-#define MIME_DEFECT_DELIMITER_MISSING ((MIME_DEFECT_CODE)15) /* a multipart body without any delimiter line */
-#define MIME_DEFECT_DELIMITER_LINE_MALFORMED ((MIME_DEFECT_CODE)16) /* a delimiter followed by more than padding */
+/** An RFC 2231 charset that is no registered name (a common label, or unknown). */
+#define MIME_DEFECT_CHARSET_UNKNOWN ((MIME_DEFECT_CODE)11)
+/** RFC 2047 encoded words inside a parameter value. */
+#define MIME_DEFECT_ENCODED_WORD_IN_PARAMETER ((MIME_DEFECT_CODE)12)
+/** Base64 or quoted-printable body text that is malformed. */
+#define MIME_DEFECT_BODY_INVALID ((MIME_DEFECT_CODE)13)
+/** A multipart type without a valid boundary parameter. */
+#define MIME_DEFECT_BOUNDARY_INVALID ((MIME_DEFECT_CODE)14)
+/** A multipart body without any delimiter line. */
+#define MIME_DEFECT_DELIMITER_MISSING ((MIME_DEFECT_CODE)15)
+/** A line that starts with the delimiter but carries more than padding. */
+#define MIME_DEFECT_DELIMITER_LINE_MALFORMED ((MIME_DEFECT_CODE)16)
+/** A multipart body without its close delimiter. */
 #define MIME_DEFECT_CLOSE_DELIMITER_MISSING ((MIME_DEFECT_CODE)17)
-#define MIME_DEFECT_MESSAGE_ENCODED ((MIME_DEFECT_CODE)18) /* a message/rfc822 body under a transfer encoding */
-#define MIME_DEFECT_LIMIT_EXCEEDED ((MIME_DEFECT_CODE)19)  /* nesting, part count or header size past its limit */
+/** An enclosed message under a base64 or quoted-printable encoding. */
+#define MIME_DEFECT_MESSAGE_ENCODED ((MIME_DEFECT_CODE)18)
+/** Nesting depth, part count or header size past its limit. */
+#define MIME_DEFECT_LIMIT_EXCEEDED ((MIME_DEFECT_CODE)19)
 /** The number of codes: every code lies in 0 .. MIME_DEFECT_CODE_COUNT - 1. */
 #define MIME_DEFECT_CODE_COUNT 20
 
