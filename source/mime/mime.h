@@ -14,12 +14,15 @@
 #include <mime/mime_defect.h>
 #include <mime/mime_encode.h>
 #include <mime/mime_encode_flags.h>
+#include <mime/mime_encoded_words.h>
 #include <mime/mime_entity.h>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_flags.h>
+#include <mime/mime_message.h>
 #include <mime/mime_module.h>
 #include <mime/mime_multipart.h>
 #include <mime/mime_options.h>
+#include <mime/mime_part.h>
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_shf_token.h>
 #include <mime/mime_shf_token_vector.h>

@@ -4,6 +4,7 @@
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
 #include <mime/mime_shf_token_vector.h>
+#include <mime/mime_value_readers.hpp>
 
 using pb::adopt;
 using pb::Ref;
@@ -303,6 +304,12 @@ MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWithDefect(PB_STRING *v
 {
     PB_ASSERT( value );
     PB_ASSERT( mo );
+    return mime::readContentDisposition(value, mo, defect, {});
+}
+
+MIME_CONTENT_DISPOSITION *mime::readContentDisposition(PB_STRING *value, MIME_OPTIONS *mo, MIME_DEFECT **defect,
+                                                       const rfc2231::CharsetLookup &lookup) noexcept
+{
     mime::clearDefect(defect);
     mime::parameters::Pieces pieces;
     if (!pieces.scan(value)) {
@@ -316,7 +323,7 @@ MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWithDefect(PB_STRING *v
         mime::report(defect, MIME_DEFECT_CONTENT_DISPOSITION_INVALID, pieces.offsetOf(0));
         return nullptr;
     }
-    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 1, mo));
+    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 1, mo, lookup));
     return createNormalized(type.get(), parameters.get());
 }
 

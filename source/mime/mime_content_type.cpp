@@ -4,6 +4,7 @@
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
 #include <mime/mime_shf_token_vector.h>
+#include <mime/mime_value_readers.hpp>
 
 using pb::adopt;
 using pb::Ref;
@@ -311,6 +312,22 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWithDefect(PB_STRING *contentType, MI
 {
     PB_ASSERT( contentType );
     PB_ASSERT( mo );
+    return mime::readContentType(contentType, mo, defect, {});
+}
+
+PB_DICT *mime::readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup) noexcept
+{
+    mime::parameters::Pieces pieces;
+    PB_INT start = 0;
+    if (pieces.scan(value))
+        while (start < pieces.length() && !pieces.isTspecial(start, ';'))
+            ++start;
+    return mime::parameters::read(pieces, start, mo, lookup);
+}
+
+MIME_CONTENT_TYPE *mime::readContentType(PB_STRING *contentType, MIME_OPTIONS *mo, MIME_DEFECT **defect,
+                                         const rfc2231::CharsetLookup &lookup) noexcept
+{
     mime::clearDefect(defect);
     mime::parameters::Pieces pieces;
     if (!pieces.scan(contentType)) {
@@ -335,7 +352,7 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWithDefect(PB_STRING *contentType, MI
         mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, pieces.offsetOf(bad));
         return nullptr;
     }
-    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 3, mo));
+    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 3, mo, lookup));
     return createNormalized(name.get(), parameters.get());
 }
 

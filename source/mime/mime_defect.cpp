@@ -44,12 +44,13 @@ constexpr std::array<CodeInfo, MIME_DEFECT_CODE_COUNT> kCodes = {{
     {"charset-unknown", "the RFC 2231 charset {} is no registered name"},
     {"encoded-word-in-parameter", "the {} parameter holds RFC 2047 encoded words"},
     {"body-invalid", "the {} body is malformed"},
-    {"boundary-invalid", "the multipart type has no valid boundary"},
+    {"boundary-invalid", "the boundary parameter {}"},
     {"delimiter-missing", "the body holds no delimiter --{}"},
     {"delimiter-line-malformed", "a line starts with the delimiter --{} but carries more"},
     {"close-delimiter-missing", "the close delimiter --{}-- is missing"},
-    {"message-encoded", "the enclosed message is transfer-encoded (kept as a leaf)"},
+    {"container-encoded", "the {} body is under a transfer encoding"},
     {"limit-exceeded", "the {} limit is reached (the rest is kept undecoded)"},
+    {"delimiter-repeated", "delimiter lines --{} follow each other (no part between them)"},
 }};
 
 PB_STRING *utf8String(std::string_view text)
@@ -110,6 +111,19 @@ MIME_DEFECT *createDefect(MIME_DEFECT_CODE code, PB_INT offset, std::string_view
     pb::Ref<PB_STRING> partText = pb::adopt(utf8String(part));
     pb::Ref<PB_STRING> sentence = pb::adopt(utf8String(text));
     return mimeDefectCreate(code, offset, partText.get(), sentence.get());
+}
+
+void DefectList::add(MIME_DEFECT_CODE code, PB_INT offset, std::string_view detail) noexcept
+{
+    if (count_ > max_)
+        return;
+    bool last = count_++ == max_;
+    pb::Ref<MIME_DEFECT> defect =
+        pb::adopt(last ? createDefect(MIME_DEFECT_LIMIT_EXCEEDED, offset, part_, "defect count")
+                       : createDefect(code, offset, part_, detail));
+    if (!list_)
+        list_ = pb::adopt(pbVectorCreate());
+    pbVectorAppendObj(list_.addr(), mimeDefectObj(defect.get()));
 }
 
 } // namespace mime

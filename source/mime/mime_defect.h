@@ -65,12 +65,15 @@ typedef PB_INT MIME_DEFECT_CODE;
 #define MIME_DEFECT_DELIMITER_LINE_MALFORMED ((MIME_DEFECT_CODE)16)
 /** A multipart body without its close delimiter. */
 #define MIME_DEFECT_CLOSE_DELIMITER_MISSING ((MIME_DEFECT_CODE)17)
-/** An enclosed message under a base64 or quoted-printable encoding. */
-#define MIME_DEFECT_MESSAGE_ENCODED ((MIME_DEFECT_CODE)18)
+/** A multipart or message body under a base64 or quoted-printable encoding
+ * (a message is then kept as a leaf). */
+#define MIME_DEFECT_CONTAINER_ENCODED ((MIME_DEFECT_CODE)18)
 /** Nesting depth, part count or header size past its limit. */
 #define MIME_DEFECT_LIMIT_EXCEEDED ((MIME_DEFECT_CODE)19)
+/** Delimiter lines in a row (they enclose no part). */
+#define MIME_DEFECT_DELIMITER_REPEATED ((MIME_DEFECT_CODE)20)
 /** The number of codes: every code lies in 0 .. MIME_DEFECT_CODE_COUNT - 1. */
-#define MIME_DEFECT_CODE_COUNT 20
+#define MIME_DEFECT_CODE_COUNT 21
 
 /** The sort record of MIME_DEFECT. */
 MIME_API const PB_SORT *mimeDefectSort(void) PB_NOEXCEPT;

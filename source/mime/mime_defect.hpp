@@ -2,6 +2,8 @@
 #pragma once
 
 #include <mime/mime_defect.h>
+#include <pb/pb_ref.hpp>
+#include <pb/pb_vector.h>
 
 #include <string_view>
 
@@ -29,5 +31,22 @@ inline void clearDefect(MIME_DEFECT **out) noexcept
         *out = nullptr;
     }
 }
+
+// The defects of one part, as the tolerant reader collects them: at most max,
+// then one that says the limit was reached.
+class DefectList {
+public:
+    DefectList(std::string_view part, PB_INT max) noexcept : part_(part), max_(max) {}
+
+    void add(MIME_DEFECT_CODE code, PB_INT offset, std::string_view detail = {}) noexcept;
+    // The defects as a vector, or null when there are none.
+    pb::Ref<PB_VECTOR> take() noexcept { return static_cast<pb::Ref<PB_VECTOR> &&>(list_); }
+
+private:
+    std::string_view part_;
+    PB_INT max_;
+    PB_INT count_ = 0;
+    pb::Ref<PB_VECTOR> list_;
+};
 
 } // namespace mime

@@ -25,28 +25,7 @@ bool isTrimmed(PB_BYTE c)
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-// The field a header name sets (as mimeEntityFieldName numbers them), compared
-// as the runtime lowers text (ASCII letters only); -1 for any other name.
 constexpr int kFieldCount = MIME_ENTITY_FIELD_COUNT;
-
-PB_BYTE lowered(PB_BYTE c)
-{
-    return c >= 'A' && c <= 'Z' ? static_cast<PB_BYTE>(c + 32) : c;
-}
-
-int fieldOf(const PB_BYTE *name, PB_INT n)
-{
-    for (int f = 0; f < kFieldCount; ++f) {
-        std::string_view field = mime::kEntityFieldNames[f];
-        PB_INT i = 0;
-        if (static_cast<size_t>(n) == field.size())
-            while (i < n && lowered(name[i]) == lowered(static_cast<PB_BYTE>(field[i])))
-                ++i;
-        if (static_cast<size_t>(i) == field.size())
-            return f;
-    }
-    return -1;
-}
 
 // The fields of a header block of well-formed UTF-8, read line by line into the
 // entity. Every character that the syntax looks at is ASCII, so the lines are
@@ -109,7 +88,7 @@ private:
         for (PB_INT i = start; i < colon; ++i)
             if (c_[i] == ' ' || mime::chars::is(c_[i], mime::chars::kCtl))
                 return fail(MIME_DEFECT_HEADER_LINE_MALFORMED, start); // a line break is a control character too
-        int field = fieldOf(c_ + start, colon - start);
+        int field = mime::entityFieldOf(c_ + start, colon - start);
         if (field < 0)
             return true;
         if (seen_[field])

@@ -275,7 +275,7 @@ PB_VECTOR *mimeMultipartTryUnpackWithDefect(MIME_CONTENT_TYPE *contentType, PB_B
     mime::clearDefect(defect);
     Ref<PB_STRING> boundary = adopt(mimeContentTypeParameterCstr(contentType, "boundary", -1));
     if (!boundary || !mimeMultipartBoundaryOk(boundary.get())) {
-        mime::report(defect, MIME_DEFECT_BOUNDARY_INVALID, 0);
+        mime::report(defect, MIME_DEFECT_BOUNDARY_INVALID, 0, "is missing or not valid");
         return nullptr;
     }
     Delimiter delimiter(boundary.get());

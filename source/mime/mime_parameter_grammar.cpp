@@ -124,7 +124,7 @@ void set(PB_DICT **dict, Ref<PB_STRING> key, Ref<PB_STRING> value)
     pbDictSetStringKey(dict, key.get(), pbStringObj(value.get()));
 }
 
-PB_DICT *decodedRfc2231(const Collected &collected)
+PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::CharsetLookup &lookup)
 {
     using mime::rfc2231::Entry;
     using mime::rfc2231::Span;
@@ -147,13 +147,13 @@ PB_DICT *decodedRfc2231(const Collected &collected)
             set(&ctx->result, adopt(pbStringCreateFromCharsCopy(name.chars, name.length)),
                 decoded ? pb::retained(decoded) : adopt(ctx->collected.string(p.value, p.valueLength)));
         },
-        &context);
+        &context, lookup);
     return context.result;
 }
 
 } // namespace
 
-PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo) noexcept
+PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup) noexcept
 {
     Collected collected;
     PB_INT n = pieces.length();
@@ -178,7 +178,7 @@ PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo) noexcept
     }
     // Without a key of an RFC 2231 form the decoding would give the same parameters.
     if (collected.rfc2231 && (mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))
-        return decodedRfc2231(collected);
+        return decodedRfc2231(collected, lookup);
     PB_DICT *result = pbDictCreate();
     for (size_t i = 0; i < collected.pairs.size(); ++i) {
         const Collected::Pair &p = collected.pairs.data()[i];

@@ -15,6 +15,7 @@
 #pragma once
 
 #include <mime/mime_options.h>
+#include <mime/mime_rfc2231.hpp>
 #include <mime/mime_shf_scanner.hpp>
 #include <mime/mime_small_vector.hpp>
 #include <pb/pb_dict.h>
@@ -50,8 +51,8 @@ private:
 
 // A new dictionary of the parameters read from pieces[start...], keys in lower
 // case and accepted as RFC 2045 tokens, RFC 2231 forms decoded when the options
-// ask for it.
-PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo) noexcept;
+// ask for it, their charsets found as lookup says.
+PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup = {}) noexcept;
 
 // Appends "; key = value" for each parameter to be written.
 void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept;

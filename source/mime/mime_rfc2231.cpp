@@ -1,5 +1,6 @@
 #include <mime/mime_char.h>
 #include <mime/mime_char.hpp>
+#include <mime/mime_charset_labels.hpp>
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_rfc2231.hpp>
 #include <mime/mime_small_vector.hpp>
@@ -44,9 +45,23 @@ int order(Span a, Span b)
     return a.length < b.length ? -1 : a.length > b.length ? 1 : 0;
 }
 
+using mime::rfc2231::CharsetLookup;
+
+// The charset a name stands for, as lookup finds it; -1 for none.
+PB_CHARSET charsetNamed(Span name, const CharsetLookup &lookup)
+{
+    bool registered = false;
+    PB_CHARSET charset = mime::charsetFromNameOrLabel(name.chars, name.length, registered);
+    if (registered || !lookup.tolerant)
+        return registered ? charset : -1;
+    if (lookup.note)
+        lookup.note(lookup.context, name);
+    return PB_CHARSET_OK(charset) ? charset : PB_CHARSET_US_ASCII;
+}
+
 // charset'language'value: the charset's code, and *value narrowed to the value
 // part; -1 (and *value unchanged) when there are not three parts.
-PB_CHARSET mime___Rfc2231DecodeCharset(Span *value)
+PB_CHARSET mime___Rfc2231DecodeCharset(Span *value, const CharsetLookup &lookup)
 {
     PB_INT first = 0;
     while (first < value->length && value->chars[first] != '\'')
@@ -56,8 +71,7 @@ PB_CHARSET mime___Rfc2231DecodeCharset(Span *value)
         ++second;
     if (second >= value->length)
         return -1;
-    Ref<PB_STRING> name = adopt(pbStringCreateFromCharsCopy(value->chars, first));
-    PB_CHARSET charset = pbCharsetFromIanaName(name.get());
+    PB_CHARSET charset = charsetNamed({value->chars, first}, lookup);
     if (PB_CHARSET_OK(charset))
         *value = {value->chars + second + 1, value->length - second - 1};
     return charset;
@@ -230,13 +244,14 @@ private:
 
 // Joins the segments of the continuation whose segment 0 holds value; null when
 // the entry is dropped.
-PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span name, Span value, bool extended)
+PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span name, Span value, bool extended,
+                            const CharsetLookup &lookup)
 {
     Ref<PB_STRING> joined = adopt(pbStringCreate());
     Bytes pending;
     PB_CHARSET charset = -1;
     if (extended) {
-        charset = mime___Rfc2231DecodeCharset(&value);
+        charset = mime___Rfc2231DecodeCharset(&value, lookup);
         if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(value, pending))
             return nullptr;
     } else {
@@ -266,9 +281,9 @@ PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span
 }
 
 // The decoded text of a single extended value, or null.
-PB_STRING *decodeExtended(Span value)
+PB_STRING *decodeExtended(Span value, const CharsetLookup &lookup)
 {
-    PB_CHARSET charset = mime___Rfc2231DecodeCharset(&value);
+    PB_CHARSET charset = mime___Rfc2231DecodeCharset(&value, lookup);
     Bytes bytes;
     if (!PB_CHARSET_OK(charset) || !mime___Rfc2231DecodeValue(value, bytes))
         return nullptr;
@@ -284,7 +299,8 @@ Ref<PB_STRING> textOf(PB_OBJ *taken)
 
 } // namespace
 
-void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *context) noexcept
+void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *context,
+                           const CharsetLookup &lookup) noexcept
 {
     static const PB_CHAR ends[] = {'*', '0', '*'};
     Visits visits;
@@ -305,8 +321,8 @@ void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *co
             continue;
         }
         Ref<PB_STRING> text =
-            adopt(suffix == 1 ? decodeExtended(entries[i].value)
-                              : joinContinuation(entries, segments, name, entries[i].value, suffix == 3));
+            adopt(suffix == 1 ? decodeExtended(entries[i].value, lookup)
+                              : joinContinuation(entries, segments, name, entries[i].value, suffix == 3, lookup));
         if (text)
             put(context, i, name, text.get());
     }
