@@ -14,6 +14,13 @@ inline bool sameText(PB_STRING *a, PB_STRING *b)
     return (!a && !b) || (a && b && pbStringCompare(a, b) == 0);
 }
 
+// Equal bytes; an empty buffer counts as none.
+inline bool sameBytes(PB_BUFFER *x, PB_BUFFER *y)
+{
+    PB_INT nx = x ? pbBufferLength(x) : 0, ny = y ? pbBufferLength(y) : 0;
+    return nx == ny && (nx == 0 || std::memcmp(pbBufferBacking(x), pbBufferBacking(y), static_cast<size_t>(nx)) == 0);
+}
+
 // Equal fields and body bytes; an empty body counts as none, as unpacking reads it.
 inline bool sameEntity(MIME_ENTITY *a, MIME_ENTITY *b)
 {
@@ -24,9 +31,7 @@ inline bool sameEntity(MIME_ENTITY *a, MIME_ENTITY *b)
         if (!sameText(adopt(get(a)).get(), adopt(get(b)).get()))
             return false;
     pb::Ref<PB_BUFFER> x = adopt(mimeEntityBody(a)), y = adopt(mimeEntityBody(b));
-    PB_INT nx = x ? pbBufferLength(x.get()) : 0, ny = y ? pbBufferLength(y.get()) : 0;
-    return nx == ny &&
-           (nx == 0 || std::memcmp(pbBufferBacking(x.get()), pbBufferBacking(y.get()), static_cast<size_t>(nx)) == 0);
+    return sameBytes(x.get(), y.get());
 }
 
 inline MIME_ENTITY *entityAt(PB_VECTOR *v, PB_INT i)

@@ -3,6 +3,7 @@
 // tests/mime/mail (one for each departure from the RFCs that the reader
 // tolerates); and against the strict functions, which it must agree with
 // wherever they accept the input.
+#include "../../fuzz/message_support.hpp"
 #include "entity.hpp"
 #include "oracle.hpp"
 
@@ -11,6 +12,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <random>
 
 using namespace test;
 
@@ -128,4 +130,88 @@ TEST(MessageReader, AgreesWithPythonsEmailPackage)
             EXPECT_FALSE(agrees) << file << " agrees now, though listed: " << reason->second;
     }
     std::cout << same << " of " << files.size() << " messages agree\n";
+}
+
+namespace {
+
+// A random message in wire form, as the library writes it: leaves of text or
+// binary bytes under random types, dispositions and ids, encoded by
+// mimeEncode, nested up to depth in multipart bodies by mimeMultipartTryPack.
+std::string randomEntity(std::mt19937 &rng, int depth, MIME_OPTIONS *mo)
+{
+    auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
+    if (depth > 0 && pick(3) == 0) {
+        Ref<PB_VECTOR> parts = adopt(pbVectorCreate());
+        for (int i = 0, n = 1 + pick(3); i < n; ++i) {
+            Ref<MIME_ENTITY> part = adopt(mimeEntityTryParse(bytes(randomEntity(rng, depth - 1, mo)).get(), mo));
+            pbVectorAppendObj(parts.addr(), mimeEntityObj(part.get()));
+        }
+        const char *kinds[] = {"multipart/mixed", "multipart/alternative", "multipart/digest"};
+        Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeCreateCstr(kinds[pick(3)], -1));
+        Ref<PB_BUFFER> body = adopt(mimeMultipartTryPack(type.addr(), parts.get(), mo));
+        std::string header = utf8(adopt(mimeContentTypeEncode(type.get(), mo, 14)).get());
+        return "Subject: nested\r\nContent-Type: " + header + "\r\n\r\n" + bytesOf(body.get());
+    }
+    std::string content;
+    for (int i = 0, n = pick(200); i < n; ++i)
+        content += pick(4) ? "abc \r\n=-.;\xc3\xa9"[pick(14)] : static_cast<char>(pick(256));
+    const char *types[] = {"text/plain; charset=utf-8", "application/octet-stream", "message/rfc822",
+                           "text/html; name*=utf-8''%C3%A9.html"};
+    Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeTryDecodeCstr(types[pick(4)], -1, mo));
+    Ref<MIME_CONTENT_DISPOSITION> disposition =
+        pick(2) ? adopt(mimeContentDispositionTryDecodeCstr("attachment; filename=\"a b.txt\"", -1, mo))
+                : Ref<MIME_CONTENT_DISPOSITION>();
+    Ref<MIME_ENTITY> ent = adopt(mimeEncodeCstr(mo, bytes(content).get(), type.get(), disposition.get(),
+                                                pick(2) ? "id@example.org" : nullptr, -1));
+    Ref<PB_VECTOR> one = adopt(pbVectorCreate());
+    pbVectorAppendObj(one.addr(), mimeEntityObj(ent.get()));
+    Ref<MIME_CONTENT_TYPE> mixed = adopt(mimeContentTypeCreateCstr("multipart/mixed", -1));
+    mimeContentTypeSetParameterCstrCstrValue(mixed.addr(), "boundary", -1, "cut", -1);
+    // The part as packed, without its delimiter lines.
+    std::string packed = bytesOf(adopt(mimeMultipartTryPack(mixed.addr(), one.get(), mo)).get());
+    return packed.substr(7, packed.size() - 7 - 11);
+}
+
+// text with a few random changes of the kinds that break messages.
+std::string mutated(std::string text, std::mt19937 &rng)
+{
+    const std::string pieces[] = {"\r\n", "\n", "\r", "--", "\r\n--cut\r\n", ":", ";", "\"", "=", "=?", " ", "\x80"};
+    for (int k = 0, n = 1 + static_cast<int>(rng() % 3); k < n && !text.empty(); ++k) {
+        size_t at = rng() % text.size();
+        switch (rng() % 3) {
+        case 0:
+            text.erase(at, 1 + rng() % 8);
+            break;
+        case 1:
+            text.insert(at, pieces[rng() % std::size(pieces)]);
+            break;
+        default:
+            text.insert(at, text.substr(rng() % text.size(), rng() % 40));
+        }
+    }
+    return text;
+}
+
+} // namespace
+
+// The properties of message_support.hpp over generated messages, as written
+// and with random damage: a third of them still pass the strict reading.
+TEST(MessageReader, AgreesWithTheStrictFunctions)
+{
+    std::mt19937 rng(2231);
+    Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+    int compared[2] = {};
+    for (int i = 0; i < 3000; ++i) {
+        std::string message = randomEntity(rng, 3, mo.get());
+        if (i % 2)
+            message = mutated(message, rng);
+        fuzz::MessageCheck check;
+        ASSERT_EQ(check.run(reinterpret_cast<const uint8_t *>(message.data()), message.size()), "") << hex(message);
+        compared[i % 2] += check.compared();
+    }
+    // All written messages pass the strict reading; those with a message/rfc822
+    // leaf in base64 (a departure that strict reading passes) are not compared.
+    EXPECT_GT(compared[0], 900);
+    EXPECT_GT(compared[1], 250);
+    std::cout << compared[0] << " written and " << compared[1] << " damaged messages compared\n";
 }
