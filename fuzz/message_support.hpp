@@ -101,7 +101,8 @@ private:
     bool decodeStrict(StrictPart &p, int depth)
     {
         Ref<MIME_DEFECT> defect;
-        bool ok = mimeDecode(p.entity.get(), mo_.get(), p.body.addr(), p.type.addr(), p.disposition.addr(), p.id.addr());
+        bool ok =
+            mimeDecode(p.entity.get(), mo_.get(), p.body.addr(), p.type.addr(), p.disposition.addr(), p.id.addr());
         bool twin = mimeDecodeWithDefect(p.entity.get(), mo_.get(), nullptr, nullptr, nullptr, nullptr, defect.addr());
         if (ok != twin || ok == !!defect)
             fail("mimeDecodeWithDefect disagrees");
@@ -113,7 +114,8 @@ private:
         if (!name || !startsWith(name.get(), "multipart/") || !p.body)
             return true;
         Ref<PB_VECTOR> parts = adopt(mimeMultipartTryUnpack(p.type.get(), p.body.get(), mo_.get()));
-        Ref<PB_VECTOR> same = adopt(mimeMultipartTryUnpackWithDefect(p.type.get(), p.body.get(), mo_.get(), defect.addr()));
+        Ref<PB_VECTOR> same =
+            adopt(mimeMultipartTryUnpackWithDefect(p.type.get(), p.body.get(), mo_.get(), defect.addr()));
         if (!parts != !same || !parts == !defect)
             fail("mimeMultipartTryUnpackWithDefect disagrees");
         for (PB_INT i = 0; parts && i < pbVectorLength(parts.get()); ++i) {
@@ -145,8 +147,8 @@ private:
             comparable = false;
         }
         for (size_t i = 0; i < strict.children.size() && i < static_cast<size_t>(mimePartChildCount(part)); ++i)
-            comparable &= this->comparable(adopt(mimePartChildAt(part, static_cast<PB_INT>(i))).get(),
-                                           strict.children[i]);
+            comparable &=
+                this->comparable(adopt(mimePartChildAt(part, static_cast<PB_INT>(i))).get(), strict.children[i]);
         return comparable;
     }
 

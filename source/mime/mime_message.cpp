@@ -245,7 +245,7 @@ private:
             c.part.body = std::move(raw);
             return;
         }
-        if (multipart)
+        if (multipart && c.part.bodyLength > 0) // an empty body has nothing to split, nor a boundary to need
             readMultipart(name == "multipart/digest", c);
         else if (message)
             readEnclosedMessage(c);
