@@ -272,6 +272,66 @@ void mpPack(const std::string &dir, long count, MIME_OPTIONS *mo)
     pbObjRelease(pbVectorObj(entities));
 }
 
+// Leaves and their decoded bytes, as the harness counts them.
+struct Leaves {
+    long count = 0, bytes = 0;
+};
+
+void countLeaves(MIME_PART *part, Leaves &leaves)
+{
+    PB_INT children = mimePartChildCount(part);
+    for (PB_INT i = 0; i < children; ++i) {
+        MIME_PART *child = mimePartChildAt(part, i);
+        countLeaves(child, leaves);
+        mimePartRelease(child);
+    }
+    if (children > 0)
+        return;
+    ++leaves.count;
+    if (PB_BUFFER *body = mimePartBody(part)) {
+        leaves.bytes += pbBufferLength(body);
+        pbBufferRelease(body);
+    }
+}
+
+// msg-read: every message of msgs/ read whole with the tolerant reader (header,
+// tree, enclosed messages, every leaf decoded), one pass over all of them.
+void msgRead(const std::string &dir, long count, MIME_OPTIONS *mo)
+{
+    long wantLeaves = 0, wantBytes = 0, messages = 0, size = 0;
+    if (std::sscanf(load(dir, "msgs.meta").c_str(), "%ld %ld %ld %ld", &wantLeaves, &wantBytes, &messages, &size) != 4)
+        fail("msgs.meta unreadable");
+    std::vector<PB_BUFFER *> inputs;
+    size_t total = 0;
+    for (long i = 0; i < messages; ++i) {
+        char name[32];
+        std::snprintf(name, sizeof name, "msgs/%04ld.eml", i);
+        inputs.push_back(bufferOf(load(dir, name)));
+        total += static_cast<size_t>(pbBufferLength(inputs.back()));
+    }
+    if (static_cast<long>(total) != size)
+        fail("the messages hold another byte count than msgs.meta says");
+    Leaves got;
+    bulk(
+        nullptr, total, count, "tolerant reader, leaves decoded",
+        [&](PB_BUFFER *) {
+            got = {};
+            for (PB_BUFFER *input : inputs) {
+                MIME_PART *tree = mimeMessageRead(input, mo, nullptr);
+                countLeaves(tree, got);
+                mimePartRelease(tree);
+            }
+            return pbBufferCreate();
+        },
+        [&](PB_BUFFER *) {
+            if (got.count != wantLeaves || got.bytes != wantBytes)
+                fail("leaves " + std::to_string(got.count) + " bytes " + std::to_string(got.bytes) + ", want " +
+                     std::to_string(wantLeaves) + " " + std::to_string(wantBytes));
+        });
+    for (PB_BUFFER *input : inputs)
+        pbBufferRelease(input);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -324,10 +384,10 @@ int main(int argc, char **argv)
         pbModuleStartup(mimeModule());
         ctParse(dir, count);
         pbModuleShutdown(mimeModule());
-    } else if (w == "mp-sip" || w == "mp-big" || w == "mp-pack") {
+    } else if (w == "mp-sip" || w == "mp-big" || w == "mp-pack" || w == "msg-read") {
         pbModuleStartup(mimeModule());
         MIME_OPTIONS *mo = mimeOptionsCreate();
-        (w == "mp-sip" ? mpSip : w == "mp-big" ? mpBig : mpPack)(dir, count, mo);
+        (w == "mp-sip" ? mpSip : w == "mp-big" ? mpBig : w == "mp-pack" ? mpPack : msgRead)(dir, count, mo);
         mimeOptionsRelease(mo);
         pbModuleShutdown(mimeModule());
     } else {

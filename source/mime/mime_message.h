@@ -61,7 +61,8 @@ PB_BEGIN_DECLS
  * and well inside what keeps a hostile message's tree small: every part,
  * field and defect costs memory, so each count is bounded. */
 typedef struct MIME_READ_LIMITS {
-    PB_INT maxDepth;          /**< multipart and message nesting below the message */
+    PB_INT maxDepth;          /**< multipart and message nesting below the message (each level also takes some
+                                   hundred bytes of stack) */
     PB_INT maxParts;          /**< parts in the whole tree */
     PB_INT maxHeaderBytes;    /**< bytes of one header block */
     PB_INT maxDefectsPerPart; /**< defects kept per part (one more says that the limit was reached) */
