@@ -39,6 +39,8 @@ public:
     DefectList(std::string_view part, PB_INT max) noexcept : part_(part), max_(max) {}
 
     void add(MIME_DEFECT_CODE code, PB_INT offset, std::string_view detail = {}) noexcept;
+    // How many were added.
+    PB_INT count() const noexcept { return count_; }
     // The defects as a vector, or null when there are none.
     pb::Ref<PB_VECTOR> take() noexcept { return static_cast<pb::Ref<PB_VECTOR> &&>(list_); }
 

@@ -12,6 +12,7 @@
 #include <rfc/rfc_base.h>
 #include <rfc/rfc_quop.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 
@@ -73,16 +74,57 @@ bool isIdentity(MIME_CONTENT_TRANSFER_ENCODING cte)
     return cte != MIME_CONTENT_TRANSFER_ENCODING_BASE64 && cte != MIME_CONTENT_TRANSFER_ENCODING_QUOTED_PRINTABLE;
 }
 
-// The Content-* fields of a header block: the first of each, with where it is.
+// The Content-* fields of a header block: the first of each, its value and
+// where it is.
 struct ContentFields {
     Ref<PB_STRING> values[MIME_ENTITY_FIELD_COUNT];
     PB_INT offsets[MIME_ENTITY_FIELD_COUNT] = {};
+    PB_INT indices[MIME_ENTITY_FIELD_COUNT] = {-1, -1, -1, -1};
+};
+
+// Content-Type values decoded without a defect, by their text as read: the
+// parts of one message mostly repeat a few, and a value is immutable, so they
+// share one object (a few of them: the rest is decoded each time).
+class TypeCache {
+public:
+    Ref<MIME_CONTENT_TYPE> find(std::string_view raw) const
+    {
+        for (const Entry &e : entries_)
+            if (e.raw == raw)
+                return pb::retained(e.type.get());
+        return {};
+    }
+
+    // Keeps type for raw once settle confirms that decoding it added no defect.
+    void offer(std::string_view raw, MIME_CONTENT_TYPE *type, PB_INT defectsBefore)
+    {
+        if (entries_.size() < kSize)
+            pending_ = {raw, pb::retained(type), defectsBefore};
+    }
+
+    void settle(PB_INT defectsNow)
+    {
+        if (pending_.type && pending_.defects == defectsNow)
+            entries_.push_back({pending_.raw, std::move(pending_.type), 0});
+        pending_ = {};
+    }
+
+private:
+    static constexpr size_t kSize = 16;
+    struct Entry {
+        std::string_view raw;
+        Ref<MIME_CONTENT_TYPE> type;
+        PB_INT defects;
+    };
+    std::vector<Entry> entries_;
+    Entry pending_;
 };
 
 class Reader {
 public:
     Reader(PB_BUFFER *input, MIME_OPTIONS *opt, const MIME_READ_LIMITS &limits)
-        : input_(input), b_(pbBufferBacking(input)), opt_(opt), limits_(limits)
+        : input_(input), b_(pbBufferBacking(input)), opt_(opt),
+          limits_(limits), implied_{impliedType(false, nullptr), impliedType(true, nullptr)}
     {
     }
 
@@ -113,21 +155,14 @@ private:
         mime::message::readHeader(b_, at, end, limits_.maxHeaderBytes, header, defects);
         ContentFields fields = contentFields(header, defects);
         part.fields = std::move(header.fields);
-        part.entity = entityOf(fields);
-        Ref<PB_BUFFER> raw;
-        part.bodyOffset = end;
-        if (header.hasBody) {
-            part.bodyOffset = header.end;
-            part.bodyLength = end - header.end;
-            raw = adopt(pbBufferRead(input_, header.end, part.bodyLength));
-            mimeEntitySetBody(part.entity.addr(), raw.get());
-        }
+        std::copy(std::begin(fields.indices), std::end(fields.indices), part.contentFields);
+        part.hasBody = header.hasBody;
+        part.bodyOffset = header.hasBody ? header.end : end;
+        part.bodyLength = end - part.bodyOffset;
         Context context{part, defects, depth};
         decodeValues(fields, inDigest, context);
-        if (raw && header.limited)
-            part.body = std::move(raw);
-        else if (raw)
-            readBody(raw, context);
+        if (header.hasBody && !header.limited)
+            readBody(context);
         part.defects = defects.take();
         return mime::createPart(part);
     }
@@ -135,7 +170,8 @@ private:
     ContentFields contentFields(const Header &header, mime::DefectList &defects)
     {
         ContentFields fields;
-        for (const mime::FieldSpan &f : header.fields) {
+        for (size_t i = 0; i < header.fields.size(); ++i) {
+            const mime::FieldSpan &f = header.fields[i];
             int index = mime::entityFieldOf(b_ + f.name, f.nameLength);
             if (index < 0)
                 continue;
@@ -145,20 +181,9 @@ private:
             }
             fields.values[index] = adopt(mime::fieldValue(b_, f));
             fields.offsets[index] = f.name;
+            fields.indices[index] = static_cast<PB_INT>(i);
         }
         return fields;
-    }
-
-    static Ref<MIME_ENTITY> entityOf(const ContentFields &fields)
-    {
-        static void (*const setters[MIME_ENTITY_FIELD_COUNT])(MIME_ENTITY **, PB_STRING *) = {
-            mimeEntitySetContentType, mimeEntitySetContentDisposition, mimeEntitySetContentTransferEncoding,
-            mimeEntitySetContentId};
-        Ref<MIME_ENTITY> entity = adopt(mimeEntityCreate());
-        for (int f = 0; f < MIME_ENTITY_FIELD_COUNT; ++f)
-            if (fields.values[f])
-                setters[f](entity.addr(), fields.values[f].get());
-        return entity;
     }
 
     // The four values, read as mail readers read them.
@@ -178,7 +203,12 @@ private:
             &notes};
         if (PB_STRING *text = fields.values[0].get()) {
             notes.offset = fields.offsets[0];
-            c.part.contentType = adopt(mime::readContentType(text, opt_, nullptr, lookup));
+            std::string_view raw = rawValue(c.part.fields[static_cast<size_t>(fields.indices[0])]);
+            PB_INT defectsBefore = c.defects.count();
+            if ((c.part.contentType = typeCache_.find(raw)))
+                ; // read before in this message, without a defect
+            else if ((c.part.contentType = adopt(mime::readContentType(text, opt_, nullptr, lookup))))
+                typeCache_.offer(raw, c.part.contentType.get(), defectsBefore);
             if (!c.part.contentType) {
                 c.defects.add(MIME_DEFECT_CONTENT_TYPE_INVALID, fields.offsets[0]);
                 Ref<PB_DICT> parameters = adopt(mime::readParametersOnly(text, opt_, lookup));
@@ -187,8 +217,9 @@ private:
             }
             decodeWords(c.part.contentType, "name", fields.offsets[0], c.defects, mimeContentTypeParameterCstr,
                         mimeContentTypeSetParameterCstr);
+            typeCache_.settle(c.defects.count());
         } else {
-            c.part.contentType = impliedType(inDigest, nullptr);
+            c.part.contentType = pb::retained(implied_[inDigest].get());
             c.part.contentTypeImplied = true;
         }
         if (PB_STRING *text = fields.values[1].get()) {
@@ -228,7 +259,7 @@ private:
         return type;
     }
 
-    void readBody(Ref<PB_BUFFER> &raw, Context &c)
+    void readBody(Context &c)
     {
         Ref<PB_STRING> nameText = adopt(mimeContentTypeName(c.part.contentType.get()));
         std::string name = utf8(nameText.get());
@@ -242,7 +273,6 @@ private:
         }
         if ((multipart || message || blocks) && c.depth >= limits_.maxDepth) {
             c.defects.add(MIME_DEFECT_LIMIT_EXCEEDED, c.part.bodyOffset, "nesting depth");
-            c.part.body = std::move(raw);
             return;
         }
         if (multipart && c.part.bodyLength > 0) // an empty body has nothing to split, nor a boundary to need
@@ -252,9 +282,7 @@ private:
         else if (blocks)
             readFieldBlocks(c);
         else
-            decodeLeaf(raw, c);
-        if (!c.part.body)
-            c.part.body = std::move(raw);
+            decodeLeaf(c);
     }
 
     void readMultipart(bool digest, Context &c)
@@ -312,15 +340,16 @@ private:
         pbVectorAppendObj(c.part.children.addr(), mimePartObj(held.get()));
     }
 
-    void decodeLeaf(Ref<PB_BUFFER> &raw, Context &c)
+    void decodeLeaf(Context &c)
     {
         MIME_CONTENT_TRANSFER_ENCODING cte = c.part.transferEncoding;
         if (isIdentity(cte))
             return;
         PB_INT fault = -1;
         bool base64 = cte == MIME_CONTENT_TRANSFER_ENCODING_BASE64;
-        c.part.body = adopt(base64 ? rfcBaseDecodeTolerant(raw.get(), RFC_BASE_VARIANT_BASE64, &fault)
-                                   : rfcQuopDecodeTolerant(raw.get(), &fault));
+        Ref<PB_BUFFER> raw = adopt(pbBufferRead(input_, c.part.bodyOffset, c.part.bodyLength));
+        c.part.decodedBody = adopt(base64 ? rfcBaseDecodeTolerant(raw.get(), RFC_BASE_VARIANT_BASE64, &fault)
+                                          : rfcQuopDecodeTolerant(raw.get(), &fault));
         if (fault >= 0)
             c.defects.add(MIME_DEFECT_BODY_INVALID, c.part.bodyOffset + fault, base64 ? "base64" : "quoted-printable");
     }
@@ -328,7 +357,14 @@ private:
     PB_BUFFER *input_;
     const PB_BYTE *b_;
     MIME_OPTIONS *opt_;
+    std::string_view rawValue(const mime::FieldSpan &f) const
+    {
+        return {reinterpret_cast<const char *>(b_ + f.value), static_cast<size_t>(f.end - f.value)};
+    }
+
     MIME_READ_LIMITS limits_;
+    TypeCache typeCache_;
+    Ref<MIME_CONTENT_TYPE> implied_[2]; // text/plain; charset=us-ascii, and message/rfc822 in a digest
     PB_INT parts_ = 0;
 };
 

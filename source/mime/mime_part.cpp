@@ -1,3 +1,4 @@
+#include <mime/mime_entity_fields.hpp>
 #include <mime/mime_object.hpp>
 #include <mime/mime_part.hpp>
 #include <pb/pb_utf8.hpp>
@@ -6,20 +7,21 @@
 
 struct MIME_PART {
     PB_OBJ_HEADER header;
-    PB_STRING *number;
     PB_BUFFER *input;
-    MIME_ENTITY *entity;
+    PB_INT contentFields[MIME_ENTITY_FIELD_COUNT];
     MIME_CONTENT_TYPE *contentType;
     PB_BOOL contentTypeImplied;
     MIME_CONTENT_DISPOSITION *contentDisposition;
     PB_STRING *contentId;
     MIME_CONTENT_TRANSFER_ENCODING transferEncoding;
-    PB_BUFFER *body;
+    PB_BOOL hasBody;
+    PB_BUFFER *decodedBody;
     PB_INT offset, length, bodyOffset, bodyLength;
     PB_VECTOR *children;
     PB_VECTOR *defects;
     PB_INT fieldCount;
-    mime::FieldSpan fields[]; // fieldCount of them, in the same allocation
+    PB_INT numberLength;
+    mime::FieldSpan fields[]; // fieldCount of them, then the number's characters, in the same allocation
 };
 
 namespace {
@@ -35,13 +37,11 @@ namespace {
 void mime___PartFreeFunc(PB_OBJ *obj) noexcept
 {
     MIME_PART *part = mimePartFrom(obj);
-    pb::releaseField(part->number);
     pb::releaseField(part->input);
-    pb::releaseField(part->entity);
     pb::releaseField(part->contentType);
     pb::releaseField(part->contentDisposition);
     pb::releaseField(part->contentId);
-    pb::releaseField(part->body);
+    pb::releaseField(part->decodedBody);
     pb::releaseField(part->children);
     pb::releaseField(part->defects);
 }
@@ -109,17 +109,17 @@ PB_STRING *mime::fieldValue(const PB_BYTE *input, const FieldSpan &field) noexce
 MIME_PART *mime::createPart(PartContents &c) noexcept
 {
     PB_INT count = static_cast<PB_INT>(c.fields.size());
-    auto *part = reinterpret_cast<MIME_PART *>(
-        pb___ObjCreate(static_cast<PB_INT>(sizeof(MIME_PART) + c.fields.size() * sizeof(FieldSpan)), mimePartSort()));
-    part->number = pbStringCreateFromCstr(c.number.data(), static_cast<PB_INT>(c.number.size()));
+    size_t size = sizeof(MIME_PART) + c.fields.size() * sizeof(FieldSpan) + c.number.size();
+    auto *part = reinterpret_cast<MIME_PART *>(pb___ObjCreate(static_cast<PB_INT>(size), mimePartSort()));
     pb::setField(part->input, c.input);
-    part->entity = c.entity.release();
+    std::memcpy(part->contentFields, c.contentFields, sizeof part->contentFields);
     part->contentType = c.contentType.release();
     part->contentTypeImplied = c.contentTypeImplied;
     part->contentDisposition = c.contentDisposition.release();
     part->contentId = c.contentId.release();
     part->transferEncoding = c.transferEncoding;
-    part->body = c.body.release();
+    part->hasBody = c.hasBody;
+    part->decodedBody = c.decodedBody.release();
     part->offset = c.offset;
     part->length = c.length;
     part->bodyOffset = c.bodyOffset;
@@ -127,15 +127,17 @@ MIME_PART *mime::createPart(PartContents &c) noexcept
     part->children = c.children.release();
     part->defects = c.defects.release();
     part->fieldCount = count;
+    part->numberLength = static_cast<PB_INT>(c.number.size());
     if (count > 0)
         std::memcpy(part->fields, c.fields.data(), c.fields.size() * sizeof(FieldSpan));
+    std::memcpy(part->fields + count, c.number.data(), c.number.size());
     return part;
 }
 
 PB_STRING *mimePartNumber(MIME_PART *part) noexcept
 {
     PB_ASSERT( part );
-    return handedOut(part->number);
+    return pbStringCreateFromCstr(reinterpret_cast<const char *>(part->fields + part->fieldCount), part->numberLength);
 }
 
 PB_INT mimePartFieldCount(MIME_PART *part) noexcept
@@ -191,7 +193,21 @@ PB_STRING *mimePartFieldWcstr(MIME_PART *part, const wchar_t *name, PB_INT lengt
 MIME_ENTITY *mimePartEntity(MIME_PART *part) noexcept
 {
     PB_ASSERT( part );
-    return handedOut(part->entity);
+    static void (*const setters[MIME_ENTITY_FIELD_COUNT])(MIME_ENTITY **, PB_STRING *) = {
+        mimeEntitySetContentType, mimeEntitySetContentDisposition, mimeEntitySetContentTransferEncoding,
+        mimeEntitySetContentId};
+    MIME_ENTITY *entity = mimeEntityCreate();
+    for (int f = 0; f < MIME_ENTITY_FIELD_COUNT; ++f) {
+        if (part->contentFields[f] < 0)
+            continue;
+        pb::Ref<PB_STRING> value = pb::adopt(mimePartFieldValueAt(part, part->contentFields[f]));
+        setters[f](&entity, value.get());
+    }
+    if (part->hasBody) {
+        pb::Ref<PB_BUFFER> raw = pb::adopt(pbBufferRead(part->input, part->bodyOffset, part->bodyLength));
+        mimeEntitySetBody(&entity, raw.get());
+    }
+    return entity;
 }
 
 MIME_CONTENT_TYPE *mimePartContentType(MIME_PART *part) noexcept
@@ -227,7 +243,9 @@ MIME_CONTENT_TRANSFER_ENCODING mimePartTransferEncoding(MIME_PART *part) noexcep
 PB_BUFFER *mimePartBody(MIME_PART *part) noexcept
 {
     PB_ASSERT( part );
-    return part->body ? handedOut(part->body) : nullptr;
+    if (part->decodedBody)
+        return handedOut(part->decodedBody);
+    return part->hasBody ? pbBufferRead(part->input, part->bodyOffset, part->bodyLength) : nullptr;
 }
 
 PB_INT mimePartOffset(MIME_PART *part) noexcept
