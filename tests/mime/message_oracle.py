@@ -11,7 +11,9 @@ Content-Disposition, else the Content-Type name, RFC 2047 words decoded. The
 body is the hex of the decoded bytes, "-" for multipart and message types.
 
 With --corpus DIR instead of files, prints the message files of DIR (the mail
-test messages that ship with the interpreter: DIR is 'stdlib')."""
+test messages that ship with the interpreter: DIR is 'stdlib'). With --words
+HEX..., prints for each header text given as the hex of its UTF-8 form that hex
+and the hex of the text with its RFC 2047 words decoded."""
 import email
 import email.header
 import email.utils
@@ -69,6 +71,12 @@ def corpus(directory):
 def main():
     if sys.argv[1:2] == ["--corpus"]:
         corpus(sys.argv[2])
+        return
+    if sys.argv[1:2] == ["--words"]:
+        for argument in sys.argv[2:]:
+            text = bytes.fromhex(argument).decode("utf-8")
+            header = email.header.make_header(email.header.decode_header(text))
+            print(argument + "\t" + str(header).encode("utf-8").hex())
         return
     for path in sys.argv[1:]:
         message = email.message_from_bytes(open(path, "rb").read())
