@@ -308,7 +308,7 @@ MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeWithDefect(PB_STRING *v
 }
 
 MIME_CONTENT_DISPOSITION *mime::readContentDisposition(PB_STRING *value, MIME_OPTIONS *mo, MIME_DEFECT **defect,
-                                                       const rfc2231::CharsetLookup &lookup) noexcept
+                                                       const rfc2231::Tolerance &lookup) noexcept
 {
     mime::clearDefect(defect);
     mime::parameters::Pieces pieces;

@@ -315,7 +315,7 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWithDefect(PB_STRING *contentType, MI
     return mime::readContentType(contentType, mo, defect, {});
 }
 
-PB_DICT *mime::readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup) noexcept
+PB_DICT *mime::readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup) noexcept
 {
     mime::parameters::Pieces pieces;
     PB_INT start = 0;
@@ -326,7 +326,7 @@ PB_DICT *mime::readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2
 }
 
 MIME_CONTENT_TYPE *mime::readContentType(PB_STRING *contentType, MIME_OPTIONS *mo, MIME_DEFECT **defect,
-                                         const rfc2231::CharsetLookup &lookup) noexcept
+                                         const rfc2231::Tolerance &lookup) noexcept
 {
     mime::clearDefect(defect);
     mime::parameters::Pieces pieces;

@@ -51,6 +51,7 @@ constexpr std::array<CodeInfo, MIME_DEFECT_CODE_COUNT> kCodes = {{
     {"container-encoded", "the {} body is under a transfer encoding"},
     {"limit-exceeded", "the {} limit is reached (the rest is kept undecoded)"},
     {"delimiter-repeated", "delimiter lines --{} follow each other (no part between them)"},
+    {"parameters-malformed", "the parameters cannot be read to their end (read at each ; instead)"},
 }};
 
 PB_STRING *utf8String(std::string_view text)

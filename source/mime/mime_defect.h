@@ -72,8 +72,11 @@ typedef PB_INT MIME_DEFECT_CODE;
 #define MIME_DEFECT_LIMIT_EXCEEDED ((MIME_DEFECT_CODE)19)
 /** Delimiter lines in a row (they enclose no part). */
 #define MIME_DEFECT_DELIMITER_REPEATED ((MIME_DEFECT_CODE)20)
+/** A parameter list that RFC 2045's grammar cannot read to its end (the
+ * tolerant reader splits it at each ";" outside quotes). */
+#define MIME_DEFECT_PARAMETERS_MALFORMED ((MIME_DEFECT_CODE)21)
 /** The number of codes: every code lies in 0 .. MIME_DEFECT_CODE_COUNT - 1. */
-#define MIME_DEFECT_CODE_COUNT 21
+#define MIME_DEFECT_CODE_COUNT 22
 
 /** The sort record of MIME_DEFECT. */
 MIME_API const PB_SORT *mimeDefectSort(void) PB_NOEXCEPT;

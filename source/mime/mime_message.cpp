@@ -193,14 +193,14 @@ private:
             mime::DefectList &defects;
             PB_INT offset;
         } notes{c.defects, 0};
-        mime::rfc2231::CharsetLookup lookup{
-            true,
-            [](void *context, mime::rfc2231::Span charset) {
-                auto *n = static_cast<Notes *>(context);
-                Ref<PB_STRING> name = adopt(pbStringCreateFromCharsCopy(charset.chars, charset.length));
-                n->defects.add(MIME_DEFECT_CHARSET_UNKNOWN, n->offset, utf8(name.get()));
-            },
-            &notes};
+        mime::rfc2231::Tolerance lookup{true,
+                                        [](void *context, MIME_DEFECT_CODE code, mime::rfc2231::Span detail) {
+                                            auto *n = static_cast<Notes *>(context);
+                                            Ref<PB_STRING> text =
+                                                adopt(pbStringCreateFromCharsCopy(detail.chars, detail.length));
+                                            n->defects.add(code, n->offset, utf8(text.get()));
+                                        },
+                                        &notes};
         if (PB_STRING *text = fields.values[0].get()) {
             notes.offset = fields.offsets[0];
             std::string_view raw = rawValue(c.part.fields[static_cast<size_t>(fields.indices[0])]);
@@ -294,10 +294,13 @@ private:
         }
         if (!mimeMultipartBoundaryOk(boundary.get()))
             c.defects.add(MIME_DEFECT_BOUNDARY_INVALID, c.part.bodyOffset,
-                          "is not one RFC 2046 allows (used as it is)");
+                          "is not one RFC 2046 allows (used as mail readers take it)");
         Delimited delimited;
         PB_INT begin = c.part.bodyOffset, end = begin + c.part.bodyLength;
-        splitMultipart(b_, begin, end, utf8(boundary.get()), limits_.maxParts - parts_, delimited, c.defects);
+        std::string dashed = utf8(boundary.get());
+        while (!dashed.empty() && (dashed.back() == ' ' || dashed.back() == '\t'))
+            dashed.pop_back(); // as mail readers take it: RFC 2046 allows no space at the end
+        splitMultipart(b_, begin, end, dashed, limits_.maxParts - parts_, delimited, c.defects);
         PB_INT k = 0;
         for (const Range &range : delimited.parts)
             addChild(c,

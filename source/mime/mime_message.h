@@ -22,7 +22,10 @@
  *   stays a leaf of its declared type; without the close delimiter the last
  *   part runs to the end; a line that starts with the delimiter but carries
  *   more than padding is body data; delimiter lines in a row enclose no part.
- *   A boundary that RFC 2046 does not allow is used as it stands.
+ *   A boundary that RFC 2046 does not allow is used as it stands, but for
+ *   spaces at its end. A parameter list that RFC 2045 cannot read to its end
+ *   is split as mail readers split it: at each ";" outside quotes, then at
+ *   the first "=" (so that an unquoted "filename=My Document.pdf" is kept).
  * - Base64 with characters outside the alphabet or bad padding decodes what is
  *   there; quoted-printable keeps malformed escapes as they stand
  *   (rfcBaseDecodeTolerant, rfcQuopDecodeTolerant).

@@ -95,8 +95,45 @@ struct Collected {
     {
         size_t key = chars.size();
         pieces.appendWord(keyIndex, true, chars);
-        // Rule K: an RFC 2045 token; RFC 2231 decoding changes keys that are
-        // not attribute names as they stand.
+        if (!keptKey(key))
+            return;
+        size_t value = chars.size();
+        if (valueIndex >= 0)
+            pieces.appendWord(valueIndex, false, chars);
+        pairs.push_back({key, value - key, value, chars.size() - value});
+    }
+
+    // A key and a value given as text: a value in quotes loses them and its escapes.
+    void addText(const PB_CHAR *key, size_t keyLength, const PB_CHAR *value, size_t valueLength)
+    {
+        size_t at = chars.size();
+        chars.append(key, keyLength);
+        for (PB_CHAR *p = chars.data() + at, *end = chars.data() + chars.size(); p != end; ++p)
+            *p += *p - 'A' < 26u ? 32 : 0;
+        if (!keptKey(at))
+            return;
+        size_t start = chars.size();
+        bool quoted = valueLength >= 2 && value[0] == '"' && value[valueLength - 1] == '"';
+        for (size_t i = quoted; i < valueLength - quoted; ++i) {
+            if (quoted && value[i] == '\\' && i + 1 < valueLength - 1)
+                ++i; // a backslash takes the next character
+            chars.push_back(value[i]);
+        }
+        pairs.push_back({at, start - at, start, chars.size() - start});
+    }
+
+    void clear()
+    {
+        chars.clear();
+        pairs.clear();
+        rfc2231 = false;
+    }
+
+    // Whether the key (lower case) from chars[key] on is kept: Rule K, an RFC
+    // 2045 token; RFC 2231 decoding changes keys that are not attribute names
+    // as they stand. A key that is not kept is taken back.
+    bool keptKey(size_t key)
+    {
         const PB_CHAR *c = chars.data() + key;
         size_t n = chars.size() - key;
         uint16_t classes = n ? kTokenChar | kAttributeChar : 0;
@@ -104,13 +141,10 @@ struct Collected {
             classes &= c[i] < 128 ? kClassTable.at[c[i]] : 0;
         if (!(classes & kTokenChar)) {
             chars.truncate(key);
-            return;
+            return false;
         }
         rfc2231 |= !(classes & kAttributeChar);
-        size_t value = chars.size();
-        if (valueIndex >= 0)
-            pieces.appendWord(valueIndex, false, chars);
-        pairs.push_back({key, value - key, value, chars.size() - value});
+        return true;
     }
 
     PB_STRING *string(size_t at, size_t length) const
@@ -124,7 +158,7 @@ void set(PB_DICT **dict, Ref<PB_STRING> key, Ref<PB_STRING> value)
     pbDictSetStringKey(dict, key.get(), pbStringObj(value.get()));
 }
 
-PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::CharsetLookup &lookup)
+PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::Tolerance &lookup)
 {
     using mime::rfc2231::Entry;
     using mime::rfc2231::Span;
@@ -153,13 +187,59 @@ PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::CharsetLookup
 
 } // namespace
 
-PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup) noexcept
+namespace {
+
+bool isTrimmed(PB_CHAR c)
+{
+    return c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
+// The parameters of c[at, n), split as mail readers split them.
+void readLoosely(const PB_CHAR *c, PB_INT at, PB_INT n, Collected &collected)
+{
+    while (at < n && c[at] == ';') {
+        PB_INT end = ++at;
+        for (bool quoted = false; end < n && (quoted || c[end] != ';'); ++end) {
+            if (c[end] == '"')
+                quoted = !quoted;
+            else if (quoted && c[end] == '\\' && end + 1 < n)
+                ++end;
+        }
+        PB_INT equals = at;
+        while (equals < end && c[equals] != '=')
+            ++equals;
+        auto trimmed = [&](PB_INT from, PB_INT to) {
+            while (from < to && isTrimmed(c[from]))
+                ++from;
+            while (to > from && isTrimmed(c[to - 1]))
+                --to;
+            return std::pair<const PB_CHAR *, size_t>(c + from, static_cast<size_t>(to - from));
+        };
+        auto [key, keyLength] = trimmed(at, equals);
+        auto [value, valueLength] = equals < end ? trimmed(equals + 1, end) : trimmed(end, end);
+        if (keyLength > 0)
+            collected.addText(key, keyLength, value, valueLength);
+        at = end;
+    }
+}
+
+} // namespace
+
+PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup) noexcept
 {
     Collected collected;
     PB_INT n = pieces.length();
     for (PB_INT i = start; i < n;) {
-        if (!pieces.isTspecial(i, ';') || i == n - 1 || !pieces.isWord(i + 1))
+        if (!pieces.isTspecial(i, ';') || i == n - 1 || !pieces.isWord(i + 1)) {
+            // Stopped before the end, but for a ";" that ends the list.
+            if (lookup.tolerant && !(i == n - 1 && pieces.isTspecial(i, ';')) && pieces.isTspecial(start, ';')) {
+                collected.clear();
+                readLoosely(pieces.chars(), pieces.offsetOf(start), pieces.valueLength(), collected);
+                if (lookup.note)
+                    lookup.note(lookup.context, MIME_DEFECT_PARAMETERS_MALFORMED, {});
+            }
             break;
+        }
         if (i + 1 == n - 1 || !pieces.isTspecial(i + 2, '=')) {
             collected.add(pieces, i + 1, -1); // a key alone
             if (i + 1 == n - 1)

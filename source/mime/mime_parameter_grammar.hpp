@@ -34,6 +34,9 @@ public:
     PB_INT length() const { return static_cast<PB_INT>(pieces_.size()); }
     // Where piece i starts in the value; the value's length past the last piece.
     PB_INT offsetOf(PB_INT i) const noexcept { return i < length() ? pieces_.data()[i].start : valueLength_; }
+    // The value's characters.
+    const PB_CHAR *chars() const noexcept { return chars_; }
+    PB_INT valueLength() const noexcept { return valueLength_; }
     bool isWord(PB_INT i) const noexcept;
     bool isTspecial(PB_INT i, PB_CHAR c) const noexcept;
     // The plain value of word i (a quoted string without quotes and escapes),
@@ -51,8 +54,11 @@ private:
 
 // A new dictionary of the parameters read from pieces[start...], keys in lower
 // case and accepted as RFC 2045 tokens, RFC 2231 forms decoded when the options
-// ask for it, their charsets found as lookup says.
-PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup = {}) noexcept;
+// ask for it, their charsets found as lookup says. Read tolerantly, a list that
+// the grammar stops in is read again from pieces[start] as mail readers split
+// it: at each ";" outside quotes, then at the first "=", key and value trimmed
+// and a quoted value unquoted.
+PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup = {}) noexcept;
 
 // Appends "; key = value" for each parameter to be written.
 void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept;

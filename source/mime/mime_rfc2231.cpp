@@ -45,23 +45,23 @@ int order(Span a, Span b)
     return a.length < b.length ? -1 : a.length > b.length ? 1 : 0;
 }
 
-using mime::rfc2231::CharsetLookup;
+using mime::rfc2231::Tolerance;
 
 // The charset a name stands for, as lookup finds it; -1 for none.
-PB_CHARSET charsetNamed(Span name, const CharsetLookup &lookup)
+PB_CHARSET charsetNamed(Span name, const Tolerance &lookup)
 {
     bool registered = false;
     PB_CHARSET charset = mime::charsetFromNameOrLabel(name.chars, name.length, registered);
     if (registered || !lookup.tolerant)
         return registered ? charset : -1;
     if (lookup.note)
-        lookup.note(lookup.context, name);
+        lookup.note(lookup.context, MIME_DEFECT_CHARSET_UNKNOWN, name);
     return PB_CHARSET_OK(charset) ? charset : PB_CHARSET_US_ASCII;
 }
 
 // charset'language'value: the charset's code, and *value narrowed to the value
 // part; -1 (and *value unchanged) when there are not three parts.
-PB_CHARSET mime___Rfc2231DecodeCharset(Span *value, const CharsetLookup &lookup)
+PB_CHARSET mime___Rfc2231DecodeCharset(Span *value, const Tolerance &lookup)
 {
     PB_INT first = 0;
     while (first < value->length && value->chars[first] != '\'')
@@ -245,7 +245,7 @@ private:
 // Joins the segments of the continuation whose segment 0 holds value; null when
 // the entry is dropped.
 PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span name, Span value, bool extended,
-                            const CharsetLookup &lookup)
+                            const Tolerance &lookup)
 {
     Ref<PB_STRING> joined = adopt(pbStringCreate());
     Bytes pending;
@@ -281,7 +281,7 @@ PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span
 }
 
 // The decoded text of a single extended value, or null.
-PB_STRING *decodeExtended(Span value, const CharsetLookup &lookup)
+PB_STRING *decodeExtended(Span value, const Tolerance &lookup)
 {
     PB_CHARSET charset = mime___Rfc2231DecodeCharset(&value, lookup);
     Bytes bytes;
@@ -299,8 +299,7 @@ Ref<PB_STRING> textOf(PB_OBJ *taken)
 
 } // namespace
 
-void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *context,
-                           const CharsetLookup &lookup) noexcept
+void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *context, const Tolerance &lookup) noexcept
 {
     static const PB_CHAR ends[] = {'*', '0', '*'};
     Visits visits;

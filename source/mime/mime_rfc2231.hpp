@@ -3,6 +3,7 @@
 // result holds. mime___Rfc2231Decode runs the same steps over a dictionary.
 #pragma once
 
+#include <mime/mime_defect.h>
 #include <pb/pb_string.h>
 
 #include <cstddef>
@@ -25,14 +26,17 @@ struct Entry {
 // entry's value as it is. A later call for the same name replaces the earlier.
 using Put = void (*)(void *context, size_t entry, Span name, PB_STRING *decoded);
 
-// How the charset of an extended value is found. Strictly (the default): by
-// its registered names; a parameter with any other is left out. Tolerantly:
-// also by the labels that mail and web software use (mime_charset_labels.hpp),
-// and an unknown one reads its bytes as US-ASCII (U+FFFD for the rest); note
-// (when set) is told of every charset that is no registered name.
-struct CharsetLookup {
+// How strictly header values are read. Strictly (the default), as the
+// decoders document it. Tolerantly, as the tolerant message reader reads them:
+// an RFC 2231 charset is also found by the labels that mail and web software
+// use (mime_charset_labels.hpp), and an unknown one reads its bytes as US-ASCII
+// (U+FFFD for the rest), the parameter kept; a parameter list that the grammar
+// cannot read to its end is read as mail readers split it (at each ";" outside
+// quotes). note (when set) is told of each such departure, with a detail (the
+// charset's name).
+struct Tolerance {
     bool tolerant = false;
-    void (*note)(void *context, Span charset) = nullptr;
+    void (*note)(void *context, MIME_DEFECT_CODE code, Span detail) = nullptr;
     void *context = nullptr;
 };
 
@@ -40,6 +44,6 @@ struct CharsetLookup {
 // later entry replaces an earlier one with the same key) and visited in its
 // key order. The work is linear in their size, up to sorting the keys when
 // they are not in order already and the segment keys.
-void decode(const Entry *entries, size_t count, Put put, void *context, const CharsetLookup &lookup = {}) noexcept;
+void decode(const Entry *entries, size_t count, Put put, void *context, const Tolerance &lookup = {}) noexcept;
 
 } // namespace mime::rfc2231

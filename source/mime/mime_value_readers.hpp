@@ -11,15 +11,15 @@ namespace mime {
 
 // mimeContentTypeTryDecodeWithDefect with lookup (defect may be null).
 MIME_CONTENT_TYPE *readContentType(PB_STRING *value, MIME_OPTIONS *mo, MIME_DEFECT **defect,
-                                   const rfc2231::CharsetLookup &lookup) noexcept;
+                                   const rfc2231::Tolerance &lookup) noexcept;
 
 // mimeContentDispositionTryDecodeWithDefect with lookup (defect may be null).
 MIME_CONTENT_DISPOSITION *readContentDisposition(PB_STRING *value, MIME_OPTIONS *mo, MIME_DEFECT **defect,
-                                                 const rfc2231::CharsetLookup &lookup) noexcept;
+                                                 const rfc2231::Tolerance &lookup) noexcept;
 
 // The parameters that can be read from value after its first ";" (none when it
 // has none or cannot be scanned), as the decoders above read them: what is
 // kept of a Content-Type whose type is unusable.
-PB_DICT *readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::CharsetLookup &lookup) noexcept;
+PB_DICT *readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup) noexcept;
 
 } // namespace mime
