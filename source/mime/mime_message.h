@@ -44,7 +44,11 @@
  * mimeMultipartTryUnpack) that succeeds, on input whose every LF follows a CR,
  * gives the same parts, values and bodies (a strict body that is absent
  * because nothing follows the empty line is present and empty here), and the
- * tree then holds no defect.
+ * tree then holds no defect; but for the departures that the strict functions
+ * pass without a word, which are defects here and may change values: an
+ * RFC 2231 charset that is no registered name, RFC 2047 words in a parameter,
+ * a parameter list cut short, a multipart or message body under a transfer
+ * encoding (a multipart body is split as it stands, a message kept as a leaf).
  *
  * Limits bound the work that hostile input can ask for; past one, a defect,
  * and the rest of that part is kept as an undecoded leaf. The time is linear in
