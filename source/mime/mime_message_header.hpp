@@ -4,12 +4,10 @@
 #include <mime/mime_defect.hpp>
 #include <mime/mime_part.hpp>
 
-#include <vector>
-
 namespace mime::message {
 
 struct Header {
-    std::vector<FieldSpan> fields;
+    FieldList fields;
     PB_INT end = 0;       // where the header block ends (its empty line included)
     bool hasBody = false; // an empty line ended it, or a line that is no field
     bool limited = false; // it reached the size limit: the rest stays undecoded

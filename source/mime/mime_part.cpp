@@ -20,8 +20,9 @@ struct MIME_PART {
     PB_VECTOR *children;
     PB_VECTOR *defects;
     PB_INT fieldCount;
+    mime::FieldSpan *fields; // owned, std::free
     PB_INT numberLength;
-    mime::FieldSpan fields[]; // fieldCount of them, then the number's characters, in the same allocation
+    char number[]; // numberLength characters, in the same allocation
 };
 
 namespace {
@@ -42,6 +43,7 @@ void mime___PartFreeFunc(PB_OBJ *obj) noexcept
     pb::releaseField(part->contentDisposition);
     pb::releaseField(part->contentId);
     pb::releaseField(part->decodedBody);
+    std::free(part->fields);
     pb::releaseField(part->children);
     pb::releaseField(part->defects);
 }
@@ -108,8 +110,7 @@ PB_STRING *mime::fieldValue(const PB_BYTE *input, const FieldSpan &field) noexce
 
 MIME_PART *mime::createPart(PartContents &c) noexcept
 {
-    PB_INT count = static_cast<PB_INT>(c.fields.size());
-    size_t size = sizeof(MIME_PART) + c.fields.size() * sizeof(FieldSpan) + c.number.size();
+    size_t size = sizeof(MIME_PART) + c.number.size();
     auto *part = reinterpret_cast<MIME_PART *>(pb___ObjCreate(static_cast<PB_INT>(size), mimePartSort()));
     pb::setField(part->input, c.input);
     std::memcpy(part->contentFields, c.contentFields, sizeof part->contentFields);
@@ -126,18 +127,17 @@ MIME_PART *mime::createPart(PartContents &c) noexcept
     part->bodyLength = c.bodyLength;
     part->children = c.children.release();
     part->defects = c.defects.release();
-    part->fieldCount = count;
+    part->fieldCount = static_cast<PB_INT>(c.fields.size());
+    part->fields = c.fields.release();
     part->numberLength = static_cast<PB_INT>(c.number.size());
-    if (count > 0)
-        std::memcpy(part->fields, c.fields.data(), c.fields.size() * sizeof(FieldSpan));
-    std::memcpy(part->fields + count, c.number.data(), c.number.size());
+    std::memcpy(part->number, c.number.data(), c.number.size());
     return part;
 }
 
 PB_STRING *mimePartNumber(MIME_PART *part) noexcept
 {
     PB_ASSERT( part );
-    return pbStringCreateFromCstr(reinterpret_cast<const char *>(part->fields + part->fieldCount), part->numberLength);
+    return pbStringCreateFromCstr(part->number, part->numberLength);
 }
 
 PB_INT mimePartFieldCount(MIME_PART *part) noexcept
