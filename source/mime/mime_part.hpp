@@ -49,9 +49,16 @@ public:
     const FieldSpan &operator[](size_t i) const noexcept { return data_[i]; }
     const FieldSpan *begin() const noexcept { return data_; }
     const FieldSpan *end() const noexcept { return data_ + size_; }
-    // The array, for std::free by its new owner (null when empty).
+    // The array cut to its size, for std::free by its new owner (null when empty).
     FieldSpan *release() noexcept
     {
+        if (size_ == 0) {
+            std::free(data_);
+            data_ = nullptr;
+        } else if (size_ < capacity_) {
+            void *cut = std::realloc(data_, size_ * sizeof(FieldSpan)); // in place: a part keeps no slack
+            data_ = cut ? static_cast<FieldSpan *>(cut) : data_;
+        }
         size_ = capacity_ = 0;
         return std::exchange(data_, nullptr);
     }
