@@ -111,13 +111,14 @@ class Show(ToolTest):
     def test_malformed_input_names_what_and_where(self):
         # (content, the part that fails, what the message says of it)
         cases = [
-            (crlf("Content-Type: text/plain\nno colon here\n\nx"), "1", "line 2 is no header field"),
-            (crlf("Content-Type: text/\n\nx"), "1", 'Content-Type "text/" is not valid'),
-            (multipart("Content-Transfer-Encoding: base64\n\n@@@"), "1.1", "the body is not valid base64"),
-            (multipart("\nfine", "Content-Disposition: ;\n\nx"), "1.2", 'Content-Disposition ";" is not valid'),
-            (crlf("Content-Type: multipart/mixed; boundary=b\n\n--b\n\nx\n"), "1", "the close delimiter --b-- is missing"),
-            (crlf("Content-Type: multipart/mixed\n\n--b\n"), "1", "the multipart type has no boundary"),
-            (b"Content-Type: text/plain\r\nX-Bad: \xff\r\n\r\n", "1", "line 2 is not UTF-8"),
+            (crlf("Content-Type: text/plain\nno colon here\n\nx"), "1, byte 26", "a header line has no colon"),
+            (crlf("Content-Type: text/\n\nx"), "1", "the Content-Type value is malformed"),
+            (multipart("Content-Transfer-Encoding: base64\n\n@@@"), "1.1, byte 87", "the base64 body is malformed"),
+            (multipart("\nfine", "Content-Disposition: ;\n\nx"), "1.2", "the Content-Disposition value is malformed"),
+            (crlf("Content-Type: multipart/mixed; boundary=b\n\n--b\n\nx\n"), "1, byte 55",
+             "the close delimiter --b-- is missing"),
+            (crlf("Content-Type: multipart/mixed\n\n--b\n"), "1, byte 33", "the boundary parameter is missing"),
+            (b"Content-Type: text/plain\r\nX-Bad: \xff\r\n\r\n", "1, byte 33", "the header holds bytes that are not UTF-8"),
             (nested(70), "1" + ".1" * 64, "multipart bodies nest deeper than 64 levels"),
         ]
         for content, number, fault in cases:

@@ -29,16 +29,19 @@ std::string wireLines(const char *field, PB_STRING *value)
     return out + "\n";
 }
 
-[[noreturn]] void refused(const char *field, PB_STRING *value)
+// The value refused, and where reading it stopped when the library says so.
+[[noreturn]] void refused(const char *field, PB_STRING *value, MIME_DEFECT *defect = nullptr)
 {
-    throw InputError{std::string(field) + " " + excerpt(value) + " is not valid"};
+    std::string where = defect ? " (reading stops at character " + std::to_string(mimeDefectOffset(defect)) + ")" : "";
+    throw InputError{std::string(field) + " " + excerpt(value) + " is not valid" + where};
 }
 
 std::string contentType(PB_STRING *value, MIME_OPTIONS *options)
 {
-    Ref<MIME_CONTENT_TYPE> type(mimeContentTypeTryDecode(value, options));
+    Ref<MIME_DEFECT> defect;
+    Ref<MIME_CONTENT_TYPE> type(mimeContentTypeTryDecodeWithDefect(value, options, defect.receive()));
     if (!type)
-        refused("Content-Type", value);
+        refused("Content-Type", value, defect.get());
     Ref<PB_STRING> name(mimeContentTypeName(type.get()));
     Ref<PB_STRING> wire(mimeContentTypeEncode(type.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
     return "type: " + shown(name.get()) + "\n" + parameterLines(mimeContentTypeParametersDict(type.get())) +
@@ -47,9 +50,11 @@ std::string contentType(PB_STRING *value, MIME_OPTIONS *options)
 
 std::string contentDisposition(PB_STRING *value, MIME_OPTIONS *options)
 {
-    Ref<MIME_CONTENT_DISPOSITION> disposition(mimeContentDispositionTryDecode(value, options));
+    Ref<MIME_DEFECT> defect;
+    Ref<MIME_CONTENT_DISPOSITION> disposition(
+        mimeContentDispositionTryDecodeWithDefect(value, options, defect.receive()));
     if (!disposition)
-        refused("Content-Disposition", value);
+        refused("Content-Disposition", value, defect.get());
     Ref<PB_STRING> type(mimeContentDispositionType(disposition.get()));
     Ref<PB_STRING> wire(
         mimeContentDispositionEncode(disposition.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION));
@@ -60,9 +65,10 @@ std::string contentDisposition(PB_STRING *value, MIME_OPTIONS *options)
 
 std::string contentId(PB_STRING *value, MIME_OPTIONS *)
 {
-    Ref<PB_STRING> id(mimeContentIdTryDecode(value));
+    Ref<MIME_DEFECT> defect;
+    Ref<PB_STRING> id(mimeContentIdTryDecodeWithDefect(value, defect.receive()));
     if (!id)
-        refused("Content-Id", value);
+        refused("Content-Id", value, defect.get());
     Ref<PB_STRING> wire(mimeContentIdEncode(id.get()));
     return "id: " + shown(id.get()) + "\n" + wireLines("Content-Id", wire.get());
 }
