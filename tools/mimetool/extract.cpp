@@ -24,9 +24,14 @@ struct Target {
     std::string temporary; // written, not yet in place
 };
 
+// The parts that hold content: not multipart, not a message read as parts,
+// and nothing of a message/external-body (its content is elsewhere).
 void collectLeaves(const Part &part, std::vector<const Part *> &leaves)
 {
-    if (!part.multipart)
+    Ref<PB_STRING> name = typeName(part);
+    if (name && pbStringEqualsCaseFoldCstr(name.get(), "message/external-body", -1))
+        return;
+    if (!part.multipart && part.parts.empty())
         leaves.push_back(&part);
     for (const Part &child : part.parts)
         collectLeaves(child, leaves);
@@ -72,8 +77,12 @@ std::vector<Target> chooseNames(const std::vector<const Part *> &leaves)
     return targets;
 }
 
+// Creates dir and the folders above it that are missing.
 void makeDirectory(const std::string &dir)
 {
+    for (size_t slash = dir.find('/', 1); slash != std::string::npos; slash = dir.find('/', slash + 1))
+        if (mkdir(dir.substr(0, slash).c_str(), 0777) != 0 && errno != EEXIST)
+            throw InputError{"cannot create " + dir.substr(0, slash) + ": " + std::strerror(errno)};
     struct stat status;
     if (mkdir(dir.c_str(), 0777) != 0 && errno != EEXIST)
         throw InputError{"cannot create " + dir + ": " + std::strerror(errno)};
@@ -159,34 +168,37 @@ void writeTargets(const std::string &dir, std::vector<Target> &targets, bool for
 
 const Command kExtract = {
     "extract",
-    "usage: mimetool extract FILE -o DIR [--force]\n"
+    "usage: mimetool extract FILE -o DIR [--force] [--strict]\n"
     "\n"
     "Writes the decoded body of each leaf part of the entity in FILE (- reads\n"
     "standard input) into DIR, which is created when missing. A part is named by\n"
     "its disposition's filename, else its media type's name, when that name is\n"
     "safe: no / or \\, no leading dot, no control or bidirectional format\n"
     "character, at most 255 bytes, and not taken by an earlier part. Other parts\n"
-    "are named part-NUMBER.bin (part-1.2.bin).\n"
+    "are named part-NUMBER.bin (part-1.2.bin). The parts of an enclosed message are\n"
+    "written too; a message/external-body part has no content here and is skipped.\n"
+    "Departures from the RFCs are warnings, as in show.\n"
     "\n"
-    "Nothing is written when the input is malformed or a file of that name exists.\n"
+    "Nothing is written when a file of that name exists, or (--strict) when the\n"
+    "input is malformed.\n"
     "\n"
-    "  -o DIR    the directory to write into\n"
-    "  --force   replace existing files\n",
+    "  -o DIR     the directory to write into (created with its parents)\n"
+    "  --force    replace existing files\n"
+    "  --strict   read with the exact rules, as show --strict\n",
     runExtract,
 };
 
 int runExtract(Args &args)
 {
     const bool force = args.takeFlag("--force");
+    const bool strict = args.takeFlag("--strict");
     const std::optional<std::string> dir = args.takeValue("-o");
     const std::vector<std::string> files = args.operands();
     if (!dir || dir->empty())
         throw UsageError{"extract needs -o DIR"};
     if (files.size() != 1)
         throw UsageError{"extract takes one file"};
-    Ref<PB_BUFFER> content = withWireLineEnds(readFile(files[0]));
-    Ref<MIME_OPTIONS> options = defaultOptions();
-    const Part message = readMessage(content.get(), options.get());
+    const Part message = readPart(readFile(files[0]), strict);
     std::vector<const Part *> leaves;
     collectLeaves(message, leaves);
     std::vector<Target> targets = chooseNames(leaves);

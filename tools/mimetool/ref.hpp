@@ -37,6 +37,10 @@ inline void releaseObject(MIME_OPTIONS *o)
 {
     mimeOptionsRelease(o);
 }
+inline void releaseObject(MIME_PART *o)
+{
+    mimePartRelease(o);
+}
 inline void releaseObject(MIME_DEFECT *o)
 {
     mimeDefectRelease(o);

@@ -27,7 +27,10 @@ void printText(const Part &part, int depth, std::string &out)
     const std::string detail = indent + std::string(part.number.size() + 1, ' ');
     Ref<PB_STRING> name = typeName(part);
     out += indent + part.number + " " +
-           (name ? labelled(name.get(), mimeContentTypeParametersDict(part.type.get())) : "(no Content-Type)") + "\n";
+           (name ? labelled(name.get(), mimeContentTypeParametersDict(part.type.get())) : "(no Content-Type)") +
+           (part.impliedType ? " (implied)" : "") + "\n";
+    for (const auto &[field, value] : part.headings)
+        out += detail + field + ": " + shown(value.get()) + "\n";
     if (part.disposition) {
         Ref<PB_STRING> type(mimeContentDispositionType(part.disposition.get()));
         out += detail +
@@ -35,7 +38,7 @@ void printText(const Part &part, int depth, std::string &out)
                "\n";
     }
     if (part.contentId)
-        out += detail + "content-id: <" + shown(part.contentId.get()) + ">\n";
+        out += detail + "content-id: " + shown(part.contentId.get()) + "\n";
     std::string encoding;
     if (part.encoding >= 0) {
         Ref<PB_STRING> text(mimeContentTransferEncodingToString(part.encoding));
@@ -70,6 +73,13 @@ void printJson(const Part &part, int depth, std::string &out)
     out += indent + "{\n";
     out += field + "\"part\": " + jsonString(part.number) + ",\n";
     out += field + "\"type\": " + jsonOrNull(name.get()) + ",\n";
+    out += field + "\"impliedType\": " + (part.impliedType ? "true" : "false") + ",\n";
+    if (!part.headings.empty()) {
+        std::string headers;
+        for (const auto &[header, value] : part.headings)
+            headers += (headers.empty() ? "" : ", ") + jsonString(header) + ": " + jsonString(value.get());
+        out += field + "\"headers\": {" + headers + "},\n";
+    }
     out += field +
            "\"parameters\": " + (part.type ? jsonParameters(mimeContentTypeParametersDict(part.type.get())) : "{}") +
            ",\n";
@@ -86,9 +96,15 @@ void printJson(const Part &part, int depth, std::string &out)
     Ref<PB_STRING> encoding(part.encoding >= 0 ? mimeContentTransferEncodingToString(part.encoding) : nullptr);
     out += field + "\"transferEncoding\": " + jsonOrNull(encoding.get()) + ",\n";
     out += field + "\"size\": " + (part.body ? std::to_string(pbBufferLength(part.body.get())) : "null") + ",\n";
+    out += field + "\"encodedSize\": " + (part.encodedSize >= 0 ? std::to_string(part.encodedSize) : "null") + ",\n";
+    std::string defects;
+    for (const Defect &d : part.defects)
+        defects += std::string(defects.empty() ? "" : ", ") + "{\"code\": " + jsonString(d.code) +
+                   ", \"offset\": " + std::to_string(d.offset) + ", \"text\": " + jsonString(d.text) + "}";
+    out += field + "\"defects\": [" + defects + "],\n";
     Ref<PB_STRING> line = firstLine(part);
     out += field + "\"firstLine\": " + jsonOrNull(line.get());
-    if (part.multipart) {
+    if (part.multipart || !part.parts.empty()) {
         out += ",\n" + field + "\"parts\": [\n";
         for (size_t i = 0; i < part.parts.size(); i++) {
             printJson(part.parts[i], depth + 2, out);

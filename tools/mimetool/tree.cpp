@@ -1,7 +1,10 @@
 #include "tree.hpp"
 
 #include "cli.hpp"
+#include "io.hpp"
 #include "text.hpp"
+
+#include <cstdio>
 
 #include <algorithm>
 #include <string_view>
@@ -83,6 +86,8 @@ void decodePart(Part &part, MIME_ENTITY *entity, const Reading &r, PB_INT base, 
         throw InputError{fault(part.number, defect.get(), base)};
     if (Ref<PB_STRING> encoding(mimeEntityContentTransferEncoding(entity)); encoding)
         part.encoding = mimeContentTransferEncodingTryDecode(encoding.get(), r.opt);
+    if (Ref<PB_BUFFER> raw(mimeEntityBody(entity)); raw)
+        part.encodedSize = pbBufferLength(raw.get());
     if (part.type) {
         Ref<PB_STRING> name(mimeContentTypeName(part.type.get()));
         part.multipart = startsWith(name.get(), "multipart/");
@@ -116,6 +121,88 @@ Part readMessage(PB_BUFFER *content, MIME_OPTIONS *opt)
     return message;
 }
 
+namespace {
+
+std::string numberOf(MIME_PART *part, const std::string &prefix)
+{
+    Ref<PB_STRING> number(mimePartNumber(part));
+    return prefix + utf8(number.get());
+}
+
+// The fields a reader looks for in a message, RFC 2047 words decoded.
+void readHeadings(MIME_PART *source, Part &part)
+{
+    for (const char *name : {"From", "Subject", "Date"}) {
+        Ref<PB_STRING> value(mimePartFieldCstr(source, name, -1));
+        if (value)
+            part.headings.emplace_back(name, Ref<PB_STRING>(mimeEncodedWordsDecode(value.get())));
+    }
+}
+
+void convert(MIME_PART *source, Part &part, const std::string &prefix, bool isMessage)
+{
+    part.number = numberOf(source, prefix);
+    part.type.reset(mimePartContentType(source));
+    part.impliedType = mimePartContentTypeImplied(source);
+    part.disposition.reset(mimePartContentDisposition(source));
+    part.contentId.reset(mimePartContentId(source));
+    part.encoding = mimePartTransferEncoding(source);
+    part.body.reset(mimePartBody(source));
+    part.encodedSize = part.body ? mimePartBodyLength(source) : -1;
+    Ref<PB_STRING> name(mimeContentTypeName(part.type.get()));
+    part.multipart = startsWith(name.get(), "multipart/");
+    part.message = !part.multipart && mimePartChildCount(source) > 0;
+    if (isMessage)
+        readHeadings(source, part);
+    for (PB_INT i = 0; i < mimePartDefectCount(source); i++) {
+        Ref<MIME_DEFECT> defect(mimePartDefectAt(source, i));
+        Ref<PB_STRING> text(mimeDefectText(defect.get()));
+        part.defects.push_back(
+            {mimeDefectCodeName(mimeDefectCode(defect.get())), mimeDefectOffset(defect.get()), utf8(text.get())});
+    }
+    part.parts.resize(static_cast<size_t>(mimePartChildCount(source)));
+    for (PB_INT i = 0; i < mimePartChildCount(source); i++) {
+        Ref<MIME_PART> child(mimePartChildAt(source, i));
+        convert(child.get(), part.parts[static_cast<size_t>(i)], prefix, part.message);
+    }
+}
+
+void collectDefects(const Part &part, std::vector<std::string> &out)
+{
+    for (const Defect &d : part.defects)
+        out.push_back("part " + part.number + ", byte " + std::to_string(d.offset) + ": " + d.text);
+    for (const Part &child : part.parts)
+        collectDefects(child, out);
+}
+
+} // namespace
+
+Part readMail(PB_BUFFER *content, MIME_OPTIONS *opt, const std::string &prefix)
+{
+    Ref<MIME_PART> tree(mimeMessageRead(content, opt, nullptr));
+    Part message;
+    convert(tree.get(), message, prefix, true);
+    return message;
+}
+
+Part readPart(Ref<PB_BUFFER> content, bool strict)
+{
+    Ref<MIME_OPTIONS> options = defaultOptions();
+    if (strict)
+        return readMessage(withWireLineEnds(std::move(content)).get(), options.get());
+    Part message = readMail(content.get(), options.get());
+    for (const std::string &line : defectLines(message))
+        std::fprintf(stderr, "mimetool: %s\n", line.c_str());
+    return message;
+}
+
+std::vector<std::string> defectLines(const Part &message)
+{
+    std::vector<std::string> out;
+    collectDefects(message, out);
+    return out;
+}
+
 Ref<PB_STRING> typeName(const Part &part)
 {
     if (!part.type)
@@ -136,7 +223,7 @@ Ref<PB_STRING> suggestedFilename(const Part &part)
 
 Ref<PB_STRING> firstLine(const Part &part)
 {
-    if (!part.body || part.multipart || !isTextType(part))
+    if (!part.body || !part.parts.empty() || part.multipart || !isTextType(part))
         return {};
     const std::string_view bytes = bytesOf(part.body.get()).substr(0, kFirstLineScan);
     const size_t end = std::min(bytes.find_first_of("\r\n"), bytes.size());

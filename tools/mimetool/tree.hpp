@@ -9,6 +9,13 @@
 
 namespace mimetool {
 
+// One departure from the RFCs that the reader found and read past.
+struct Defect {
+    std::string code; // "close-delimiter-missing", ...
+    PB_INT offset;    // byte of the message where it was found
+    std::string text; // one sentence
+};
+
 struct Part {
     std::string number;                           // "1" for the message, "1.2" for its second part, ...
     Ref<MIME_CONTENT_TYPE> type;                  // null: no Content-Type field
@@ -16,8 +23,13 @@ struct Part {
     Ref<PB_STRING> contentId;                     // without brackets; null: none
     MIME_CONTENT_TRANSFER_ENCODING encoding = -1; // -1: no Content-Transfer-Encoding field
     Ref<PB_BUFFER> body;                          // decoded; null: the part has no body
+    PB_INT encodedSize = -1;                      // the body's bytes as they stand; -1: no body
+    bool impliedType = false;                     // no usable Content-Type: the type is implied
     bool multipart = false;
-    std::vector<Part> parts; // of a multipart body
+    bool message = false;    // a message/... part whose body is read as a message: parts[0]
+    std::vector<Part> parts; // of a multipart body, or the message of a message part
+    std::vector<std::pair<std::string, Ref<PB_STRING>>> headings; // From, Subject, Date of a message
+    std::vector<Defect> defects;
 };
 
 // Calls visit(key, value) for each entry of a parameter dictionary, in key
@@ -32,10 +44,24 @@ template <class F> void forEachParameter(PB_DICT *parameters, F visit)
     }
 }
 
-// Reads content as one entity, decodes it and unpacks multipart bodies
-// recursively. Malformed input is an InputError naming the part and what
-// failed in it.
+// Reads content with the exact rules (what SIP peers must send): one entity,
+// decoded, multipart bodies unpacked recursively. Malformed input is an
+// InputError naming the part, the byte and what failed there.
 Part readMessage(PB_BUFFER *content, MIME_OPTIONS *opt);
+
+// Reads content as mail readers read it (the library's tolerant reader): it
+// never fails; what departs from the RFCs is in each part's defects. prefix
+// goes before every part number ("3:" for the third message of a mailbox).
+Part readMail(PB_BUFFER *content, MIME_OPTIONS *opt, const std::string &prefix = "");
+
+// The message in content, read strictly (CR LF taken for each LF of a file
+// without CR) or as mail readers read it, its warnings then written to
+// standard error ("mimetool: part 1.2, byte 5120: ...").
+Part readPart(Ref<PB_BUFFER> content, bool strict);
+
+// A warning line for every defect of the tree, depth first: "part 1.2, byte
+// 5120: the close delimiter --b-- is missing".
+std::vector<std::string> defectLines(const Part &message);
 
 // The media type name as registered (application/EmergencyCallData.Comment+xml),
 // or null without a Content-Type.
