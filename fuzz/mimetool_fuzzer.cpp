@@ -1,10 +1,12 @@
-// Any bytes as mimetool reads a message file: the part tree is built and
-// printed both ways, or refused with one line that names the part; nothing
-// aborts, leaks or recurses without bound.
+// Any bytes as mimetool reads a message file: strictly, the part tree is built
+// and printed both ways, or refused with one line that names the part; as mail
+// readers read it, the tree is always built, and so is each message of the
+// bytes taken as an mbox file. Nothing aborts, leaks or recurses without bound.
 #include "fuzz_support.hpp"
 
 #include "cli.hpp"
 #include "io.hpp"
+#include "mailbox.hpp"
 #include "render.hpp"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -22,6 +24,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         } catch (const InputError &error) {
             PB_ASSERT_MSG("one line naming the part", error.message.compare(0, 6, "part 1") == 0 &&
                                                             error.message.find('\n') == std::string::npos);
+        }
+        Ref<PB_BUFFER> raw(pbBufferCreateFromBytesCopy(d, static_cast<PB_INT>(n)));
+        const Part mail = readMail(raw.get(), options.get());
+        PB_ASSERT_MSG("the tree of any bytes", treeText(mail).compare(0, 2, "1 ") == 0);
+        size_t index = 0;
+        for (const Ref<PB_BUFFER> &message : mboxMessages(raw.get())) {
+            const std::string prefix = std::to_string(++index) + ":";
+            PB_ASSERT_MSG("numbered", treeJson(readMail(message.get(), options.get(), prefix)).find(prefix) != std::string::npos);
         }
     });
 }

@@ -179,6 +179,40 @@ class Extract(ToolTest):
         self.assertEqual(sorted(os.listdir(self.path("a/b"))), ["part-1.1.bin", "part-1.2.bin"])
 
 
+class Mailbox(ToolTest):
+    MESSAGES = [
+        "From: a@example.org\nSubject: =?utf-8?q?caf=C3=A9?=\n\nFrom the start of a line\n",
+        multipart("Content-Type: text/plain\n\none", 'Content-Disposition: attachment; filename="b.txt"\n\ntwo').decode()
+        .replace("\r\n", "\n").replace("--b--\n", ""),  # no close delimiter
+    ]
+
+    def test_mbox_and_maildir_message_by_message(self):
+        mbox = "".join(f"From x@example.org Mon Jan  1 00:00:00 2024\n{m.replace(chr(10) + 'From ', chr(10) + '>From ')}\n"
+                       for m in self.MESSAGES)
+        os.makedirs(self.path("md/cur"))
+        os.makedirs(self.path("md/new"))
+        for name, message in zip(["md/cur/1", "md/new/2"], self.MESSAGES):
+            self.write(name, message.encode())
+        for source in (self.write("box", mbox.encode()), self.path("md")):
+            with self.subTest(source):
+                status, out, err = run("show", source)
+                self.assertEqual(status, 0)
+                self.assertIn("1:1 text/plain; charset=us-ascii (implied)\n    From: a@example.org\n    Subject: café\n", out)
+                self.assertIn("2:1.2 text/plain", out)
+                self.assertIn("mimetool: part 2:1, byte", err)
+                self.assertTrue(err.endswith("mimetool: 2 messages, 4 parts, "
+                                             f"{sum(map(len, self.MESSAGES))} bytes, 1 defects (close-delimiter-missing 1)\n"),
+                                err)
+                trees = json.loads(run("show", "--json", source)[1])
+                self.assertEqual([t["part"] for t in trees], ["1:1", "2:1"])
+                status, out, _ = run("extract", source, "-o", self.path("out/" + os.path.basename(source)))
+                self.assertEqual(status, 0)
+                with open(self.path(f"out/{os.path.basename(source)}/1/part-1.bin")) as f:
+                    self.assertEqual(f.read(), "From the start of a line\n")  # ">From " unquoted
+                self.assertTrue(os.path.exists(self.path(f"out/{os.path.basename(source)}/2/b.txt")))
+
+
+
 class Pack(ToolTest):
     def test_pack_then_show_and_extract_give_the_files_back(self):
         rng = random.Random(7)

@@ -1,6 +1,7 @@
 // mimetool extract: the decoded body of each leaf part, written into a directory.
 #include "cli.hpp"
 #include "io.hpp"
+#include "mailbox.hpp"
 #include "text.hpp"
 #include "tree.hpp"
 
@@ -24,14 +25,15 @@ struct Target {
     std::string temporary; // written, not yet in place
 };
 
-// The parts that hold content: not multipart, not a message read as parts,
-// and nothing of a message/external-body (its content is elsewhere).
+// The parts that hold content: those without parts of their own (a multipart
+// body that could not be split included), nothing of a message/external-body
+// (its content is elsewhere).
 void collectLeaves(const Part &part, std::vector<const Part *> &leaves)
 {
     Ref<PB_STRING> name = typeName(part);
     if (name && pbStringEqualsCaseFoldCstr(name.get(), "message/external-body", -1))
         return;
-    if (!part.multipart && part.parts.empty())
+    if (part.parts.empty())
         leaves.push_back(&part);
     for (const Part &child : part.parts)
         collectLeaves(child, leaves);
@@ -54,9 +56,10 @@ bool isSafeFilename(PB_STRING *name)
     return utf8(name).size() <= kMaxFilenameBytes;
 }
 
+// part-1.2.bin (the part number within its message: a mailbox's folder is the message's).
 std::string fallbackName(const Part &part)
 {
-    return "part-" + part.number + ".bin";
+    return "part-" + part.number.substr(part.number.find(':') + 1) + ".bin";
 }
 
 // Each leaf's file name: its own when safe and not taken, else part-NUMBER.bin.
@@ -177,7 +180,9 @@ const Command kExtract = {
     "character, at most 255 bytes, and not taken by an earlier part. Other parts\n"
     "are named part-NUMBER.bin (part-1.2.bin). The parts of an enclosed message are\n"
     "written too; a message/external-body part has no content here and is skipped.\n"
-    "Departures from the RFCs are warnings, as in show.\n"
+    "Departures from the RFCs are warnings, as in show. FILE may be a mailbox (an\n"
+    "mbox file or a Maildir folder): each message goes into its own folder,\n"
+    "DIR/1, DIR/2, ...\n"
     "\n"
     "Nothing is written when a file of that name exists, or (--strict) when the\n"
     "input is malformed.\n"
@@ -187,6 +192,44 @@ const Command kExtract = {
     "  --strict   read with the exact rules, as show --strict\n",
     runExtract,
 };
+
+namespace {
+
+// Writes the leaves of message into dir; the lines that say what went where.
+std::string extractTo(const Part &message, const std::string &dir, bool force)
+{
+    std::vector<const Part *> leaves;
+    collectLeaves(message, leaves);
+    std::vector<Target> targets = chooseNames(leaves);
+    makeDirectory(dir);
+    for (const Target &target : targets) {
+        struct stat status;
+        const std::string path = dir + "/" + target.name;
+        if (!force && lstat(path.c_str(), &status) == 0)
+            throw InputError{path + " exists (--force replaces it)"};
+    }
+    writeTargets(dir, targets, force);
+    std::string out;
+    for (const Target &target : targets) {
+        const PB_INT size = target.part->body ? pbBufferLength(target.part->body.get()) : 0;
+        out += target.part->number + "  " + dir + "/" + target.name + "  (" + byteCount(size) + ")\n";
+    }
+    return out;
+}
+
+// Each message of a mailbox into its own folder, DIR/3 for the third.
+int extractMailbox(size_t count, const std::function<Ref<PB_BUFFER>(size_t)> &load, const std::string &dir, bool force)
+{
+    const Tally tally = readMailbox(count, load, [&](size_t i, const Part &message) {
+        for (const std::string &line : defectLines(message))
+            std::fprintf(stderr, "mimetool: %s\n", line.c_str());
+        writeOut(extractTo(message, dir + "/" + std::to_string(i + 1), force));
+    });
+    std::fprintf(stderr, "mimetool: %s\n", tally.line().c_str());
+    return 0;
+}
+
+} // namespace
 
 int runExtract(Args &args)
 {
@@ -198,24 +241,22 @@ int runExtract(Args &args)
         throw UsageError{"extract needs -o DIR"};
     if (files.size() != 1)
         throw UsageError{"extract takes one file"};
-    const Part message = readPart(readFile(files[0]), strict);
-    std::vector<const Part *> leaves;
-    collectLeaves(message, leaves);
-    std::vector<Target> targets = chooseNames(leaves);
-    makeDirectory(*dir);
-    for (const Target &target : targets) {
-        struct stat status;
-        const std::string path = *dir + "/" + target.name;
-        if (!force && lstat(path.c_str(), &status) == 0)
-            throw InputError{path + " exists (--force replaces it)"};
+    if (!strict && isMaildir(files[0])) {
+        const std::vector<std::string> paths = maildirFiles(files[0]);
+        return extractMailbox(
+            paths.size(), [&](size_t i) { return readFile(paths[i]); }, *dir, force);
     }
-    writeTargets(*dir, targets, force);
-    std::string out;
-    for (const Target &target : targets) {
-        const PB_INT size = target.part->body ? pbBufferLength(target.part->body.get()) : 0;
-        out += target.part->number + "  " + *dir + "/" + target.name + "  (" + byteCount(size) + ")\n";
+    Ref<PB_BUFFER> content = readFile(files[0]);
+    if (!strict && isMbox(content.get())) {
+        const std::vector<Ref<PB_BUFFER>> messages = mboxMessages(content.get());
+        return extractMailbox(
+            messages.size(),
+            [&](size_t i) {
+                return Ref<PB_BUFFER>(pbBufferRead(messages[i].get(), 0, pbBufferLength(messages[i].get())));
+            },
+            *dir, force);
     }
-    writeOut(out);
+    writeOut(extractTo(readPart(std::move(content), strict), *dir, force));
     return 0;
 }
 

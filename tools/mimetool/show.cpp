@@ -1,7 +1,10 @@
 // mimetool show: the tree of a message's parts, as text or JSON.
 #include "cli.hpp"
 #include "io.hpp"
+#include "mailbox.hpp"
 #include "render.hpp"
+
+#include <cstdio>
 
 #include <utility>
 
@@ -22,12 +25,37 @@ const Command kShow = {
     "Without FILE it shows the embedded sample (an emergency-call INVITE body); -\n"
     "reads standard input.\n"
     "\n"
-    "  --json     print the tree as one JSON object (see the README)\n"
+    "FILE may also be a mailbox: an mbox file (it starts with a \"From \" line) or a\n"
+    "Maildir folder. Its messages are read on every core and shown in order,\n"
+    "numbered 3:1.2 (message 3, part 1.2), and a summary line ends the run.\n"
+    "\n"
+    "  --json     print the tree as one JSON object (see the README); a mailbox\n"
+    "             as a JSON array of them\n"
     "  --strict   read with the exact rules that SIP peers must follow: the first\n"
     "             departure is an error (exit status 1); a file that holds no CR\n"
     "             is read as if each LF were CR LF\n",
     runShow,
 };
+
+namespace {
+
+int showMailbox(size_t count, const std::function<Ref<PB_BUFFER>(size_t)> &load, bool json, bool strict)
+{
+    if (strict)
+        throw UsageError{"--strict reads one message, not a mailbox"};
+    writeOut(json ? "[\n" : "");
+    const Tally tally = readMailbox(count, load, [&](size_t i, const Part &message) {
+        for (const std::string &line : defectLines(message))
+            std::fprintf(stderr, "mimetool: %s\n", line.c_str());
+        const std::string tree = json ? treeJson(message) : treeText(message);
+        writeOut((i ? (json ? ",\n" : "\n") : "") + (json ? tree.substr(0, tree.size() - 1) : tree));
+    });
+    writeOut(json ? (count ? "\n]\n" : "]\n") : "");
+    std::fprintf(stderr, "mimetool: %s\n", tally.line().c_str());
+    return 0;
+}
+
+} // namespace
 
 int runShow(Args &args)
 {
@@ -36,7 +64,21 @@ int runShow(Args &args)
     const std::vector<std::string> files = args.operands();
     if (files.size() > 1)
         throw UsageError{"show takes one file"};
+    if (!files.empty() && isMaildir(files[0])) {
+        const std::vector<std::string> paths = maildirFiles(files[0]);
+        return showMailbox(
+            paths.size(), [&](size_t i) { return readFile(paths[i]); }, json, strict);
+    }
     Ref<PB_BUFFER> content = files.empty() ? sampleMessage() : readFile(files[0]);
+    if (isMbox(content.get())) {
+        const std::vector<Ref<PB_BUFFER>> messages = mboxMessages(content.get());
+        return showMailbox(
+            messages.size(),
+            [&](size_t i) {
+                return Ref<PB_BUFFER>(pbBufferRead(messages[i].get(), 0, pbBufferLength(messages[i].get())));
+            },
+            json, strict);
+    }
     const Part message = readPart(std::move(content), strict);
     writeOut(json ? treeJson(message) : treeText(message));
     return 0;
