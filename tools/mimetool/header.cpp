@@ -43,8 +43,9 @@ std::string contentType(PB_STRING *value, MIME_OPTIONS *options)
     if (!type)
         refused("Content-Type", value, defect.get());
     Ref<PB_STRING> name(mimeContentTypeName(type.get()));
+    Ref<PB_STRING> written(mimeContentTypeNameToWireFormat(name.get()));
     Ref<PB_STRING> wire(mimeContentTypeEncode(type.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
-    return "type: " + shown(name.get()) + "\n" + parameterLines(mimeContentTypeParametersDict(type.get())) +
+    return "type: " + shown(written.get()) + "\n" + parameterLines(mimeContentTypeParametersDict(type.get())) +
            wireLines("Content-Type", wire.get());
 }
 
