@@ -218,12 +218,14 @@ std::string extractTo(const Part &message, const std::string &dir, bool force)
 }
 
 // Each message of a mailbox into its own folder, DIR/3 for the third.
-int extractMailbox(size_t count, const std::function<Ref<PB_BUFFER>(size_t)> &load, const std::string &dir, bool force)
+int extractMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next, const std::string &dir, bool force)
 {
-    const Tally tally = readMailbox(count, load, [&](size_t i, const Part &message) {
+    const Tally tally = readMailbox(next, [&](size_t i, const Part &message) {
+        Output output;
         for (const std::string &line : defectLines(message))
-            std::fprintf(stderr, "mimetool: %s\n", line.c_str());
-        writeOut(extractTo(message, dir + "/" + std::to_string(i + 1), force));
+            output.warnings += "mimetool: " + line + "\n";
+        output.text = extractTo(message, dir + "/" + std::to_string(i + 1), force);
+        return output;
     });
     std::fprintf(stderr, "mimetool: %s\n", tally.line().c_str());
     return 0;
@@ -241,21 +243,9 @@ int runExtract(Args &args)
         throw UsageError{"extract needs -o DIR"};
     if (files.size() != 1)
         throw UsageError{"extract takes one file"};
-    if (!strict && isMaildir(files[0])) {
-        const std::vector<std::string> paths = maildirFiles(files[0]);
-        return extractMailbox(
-            paths.size(), [&](size_t i) { return readFile(paths[i]); }, *dir, force);
-    }
+    if (auto mailbox = strict ? nullptr : openMailbox(files[0]))
+        return extractMailbox(mailbox, *dir, force);
     Ref<PB_BUFFER> content = readFile(files[0]);
-    if (!strict && isMbox(content.get())) {
-        const std::vector<Ref<PB_BUFFER>> messages = mboxMessages(content.get());
-        return extractMailbox(
-            messages.size(),
-            [&](size_t i) {
-                return Ref<PB_BUFFER>(pbBufferRead(messages[i].get(), 0, pbBufferLength(messages[i].get())));
-            },
-            *dir, force);
-    }
     writeOut(extractTo(readPart(std::move(content), strict), *dir, force));
     return 0;
 }

@@ -6,9 +6,11 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
+#include <fcntl.h>
 #include <map>
 #include <sys/stat.h>
 #include <thread>
@@ -17,7 +19,7 @@
 namespace mimetool {
 namespace {
 
-constexpr size_t kBatch = 256; // messages read before their trees are used
+constexpr size_t kBatchPerCore = 32; // messages read at once, for each core
 
 bool startsWithFrom(const PB_BYTE *b, PB_INT n, PB_INT at)
 {
@@ -110,28 +112,124 @@ bool isMbox(PB_BUFFER *content)
     return startsWithFrom(pbBufferBacking(content), pbBufferLength(content), 0);
 }
 
+namespace {
+
+// The next "From " line at or after at that starts the file or follows an
+// empty line, and where that empty line starts (sep == line at the start);
+// false when b[at, n) holds none.
+bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &line)
+{
+    for (PB_INT previous = -1; at < n;) {
+        const PB_INT next = nextLine(b, n, at);
+        if (startsWithFrom(b, n, at) && (at == 0 || (previous >= 0 && isEmptyLine(b, previous, at)))) {
+            sep = previous >= 0 ? previous : at;
+            line = at;
+            return true;
+        }
+        previous = at;
+        at = next;
+    }
+    return false;
+}
+
+// The message that starts after the "From " line at b[line] and ends at the
+// next one (end < 0: at the end of the content, before an empty last line).
+Ref<PB_BUFFER> messageAt(PB_BUFFER *content, PB_INT line, PB_INT end)
+{
+    const PB_BYTE *b = pbBufferBacking(content);
+    const PB_INT n = pbBufferLength(content), start = nextLine(b, n, line);
+    if (end < 0) {
+        end = n;
+        if (end > start && b[end - 1] == '\n') { // a last empty line is the separator
+            PB_INT last = end - 1 > start && b[end - 2] == '\r' ? end - 2 : end - 1;
+            PB_INT lineStart = last;
+            while (lineStart > start && b[lineStart - 1] != '\n')
+                --lineStart;
+            end = lineStart == last && lineStart > start ? lineStart : end;
+        }
+    }
+    return unquoted(content, start, end < start ? start : end);
+}
+
+} // namespace
+
 std::vector<Ref<PB_BUFFER>> mboxMessages(PB_BUFFER *content)
 {
     const PB_BYTE *b = pbBufferBacking(content);
     const PB_INT n = pbBufferLength(content);
     std::vector<Ref<PB_BUFFER>> messages;
-    PB_INT start = -1, lastEmpty = -1; // where the message and its last empty line start
-    bool afterEmpty = true;
-    for (PB_INT at = 0; at < n;) {
-        const PB_INT next = nextLine(b, n, at);
-        if (afterEmpty && startsWithFrom(b, n, at)) {
-            if (start >= 0)
-                messages.push_back(unquoted(content, start, lastEmpty >= start ? lastEmpty : at));
-            start = next;
+    PB_INT sep = 0, line = 0;
+    if (!nextFromLine(b, n, 0, sep, line) || line != 0)
+        return messages;
+    for (PB_INT nextSep = 0, nextLineAt = 0;;) {
+        if (!nextFromLine(b, n, nextLine(b, n, line), nextSep, nextLineAt)) {
+            messages.push_back(messageAt(content, line, -1));
+            return messages;
         }
-        afterEmpty = isEmptyLine(b, at, next);
-        if (afterEmpty)
-            lastEmpty = at;
-        at = next;
+        messages.push_back(messageAt(content, line, nextSep));
+        line = nextLineAt;
     }
-    if (start >= 0) // the last message ends before an empty line that ends the file
-        messages.push_back(unquoted(content, start, afterEmpty && lastEmpty >= start ? lastEmpty : n));
-    return messages;
+}
+
+MboxReader::MboxReader(const std::string &path)
+    : fd_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)), path_(path),
+      pending_(pbBufferCreate())
+{
+    if (fd_ < 0)
+        throw InputError{"cannot open " + path + ": " + std::strerror(errno)};
+}
+
+MboxReader::~MboxReader()
+{
+    if (fd_ != STDIN_FILENO)
+        close(fd_);
+}
+
+bool MboxReader::readMore()
+{
+    constexpr PB_INT kStep = 1 << 20;
+    PB_BYTE *space = pbBufferAppendSpace(pending_.address(), kStep);
+    ssize_t got;
+    do
+        got = read(fd_, space, kStep);
+    while (got < 0 && errno == EINTR);
+    pbBufferDelTrailing(pending_.address(), kStep - (got > 0 ? got : 0));
+    if (got < 0)
+        throw InputError{"cannot read " + path_ + ": " + std::strerror(errno)};
+    return got > 0;
+}
+
+bool MboxReader::next(Ref<PB_BUFFER> &message)
+{
+    for (;;) {
+        const PB_BYTE *b = pbBufferBacking(pending_.get());
+        const PB_INT n = pbBufferLength(pending_.get());
+        PB_INT sep = 0, line = 0;
+        // The message whose "From " line starts pending, once the next one is
+        // read; the scan goes on where the last one stopped.
+        const PB_INT from = std::max(scanned_, n > 0 ? nextLine(b, n, 0) : 0);
+        if (n > 0 && nextFromLine(b, n, from, sep, line)) {
+            message = messageAt(pending_.get(), 0, sep);
+            pending_.reset(pbBufferRead(pending_.get(), line, n - line));
+            scanned_ = 0;
+            return true;
+        }
+        // Resume at the last whole line: it may be the empty one before a "From ".
+        PB_INT last = n;
+        while (last > 0 && b[last - 1] != '\n')
+            --last;
+        PB_INT start = last > 0 ? last - 1 : 0;
+        while (start > 0 && b[start - 1] != '\n')
+            --start;
+        scanned_ = start;
+        if (!readMore()) { // nothing appended: pending is as it was
+            if (n == 0 || !startsWithFrom(pbBufferBacking(pending_.get()), n, 0))
+                return false;
+            message = messageAt(pending_.get(), 0, -1);
+            pending_.reset(pbBufferCreate());
+            return true;
+        }
+    }
 }
 
 std::vector<std::string> maildirFiles(const std::string &dir)
@@ -140,6 +238,29 @@ std::vector<std::string> maildirFiles(const std::string &dir)
     listFiles(dir + "/cur", files);
     listFiles(dir + "/new", files);
     return files;
+}
+
+std::function<bool(Ref<PB_BUFFER> &)> openMailbox(const std::string &path)
+{
+    if (isMaildir(path)) {
+        auto files = std::make_shared<std::vector<std::string>>(maildirFiles(path));
+        auto index = std::make_shared<size_t>(0);
+        return [files, index](Ref<PB_BUFFER> &message) {
+            if (*index == files->size())
+                return false;
+            message = readFile((*files)[(*index)++]);
+            return true;
+        };
+    }
+    char head[5] = {};
+    const int fd = path == "-" ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    const bool mbox = fd >= 0 && read(fd, head, sizeof head) == 5 && std::memcmp(head, "From ", 5) == 0;
+    if (fd >= 0)
+        close(fd);
+    if (!mbox)
+        return {};
+    auto reader = std::make_shared<MboxReader>(path);
+    return [reader](Ref<PB_BUFFER> &message) { return reader->next(message); };
 }
 
 void Tally::add(const Part &message, PB_INT size)
@@ -163,45 +284,49 @@ std::string Tally::line() const
            std::to_string(total) + " defects" + (detail.empty() ? "" : " (" + detail + ")");
 }
 
-Tally readMailbox(size_t count, const std::function<Ref<PB_BUFFER>(size_t)> &load,
-                  const std::function<void(size_t, const Part &)> &use)
+Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
+                  const std::function<Output(size_t, const Part &)> &work)
 {
     const bool progress = isatty(STDERR_FILENO);
     const unsigned workers = std::max(1u, std::thread::hardware_concurrency());
+    const size_t batch = kBatchPerCore * workers;
     Tally tally;
-    for (size_t first = 0; first < count; first += kBatch) {
-        const size_t end = std::min(count, first + kBatch);
-        std::vector<Part> trees(end - first);
-        std::vector<PB_INT> sizes(end - first);
-        std::atomic<size_t> nextIndex{first};
-        std::vector<std::string> failures(end - first);
-        auto work = [&] {
+    for (size_t first = 0;; first += batch) {
+        std::vector<Ref<PB_BUFFER>> messages;
+        for (Ref<PB_BUFFER> message; messages.size() < batch && next(message);)
+            messages.push_back(std::move(message));
+        if (messages.empty())
+            break;
+        std::vector<Part> trees(messages.size());
+        std::vector<Output> outputs(messages.size());
+        std::atomic<size_t> nextIndex{0};
+        auto run = [&] {
             Ref<MIME_OPTIONS> options = defaultOptions();
-            for (size_t i; (i = nextIndex.fetch_add(1)) < end;) {
+            for (size_t i; (i = nextIndex.fetch_add(1)) < messages.size();) {
+                trees[i] = readMail(messages[i].get(), options.get(), std::to_string(first + i + 1) + ":");
+                dropBareLineEnds(trees[i]);
                 try {
-                    Ref<PB_BUFFER> content = load(i);
-                    sizes[i - first] = pbBufferLength(content.get());
-                    trees[i - first] = readMail(content.get(), options.get(), std::to_string(i + 1) + ":");
-                    dropBareLineEnds(trees[i - first]);
+                    outputs[i] = work(first + i, trees[i]);
                 } catch (const InputError &error) {
-                    failures[i - first] = error.message;
+                    outputs[i].failure = error.message;
                 }
             }
         };
         std::vector<std::thread> threads;
-        for (unsigned t = 1; t < workers && t < end - first; ++t)
-            threads.emplace_back(work);
-        work();
+        for (unsigned t = 1; t < workers && t < messages.size(); ++t)
+            threads.emplace_back(run);
+        run();
         for (std::thread &t : threads)
             t.join();
-        for (size_t i = first; i < end; ++i) {
-            if (!failures[i - first].empty())
-                throw InputError{"message " + std::to_string(i + 1) + ": " + failures[i - first]};
-            use(i, trees[i - first]);
-            tally.add(trees[i - first], sizes[i - first]);
+        for (size_t i = 0; i < messages.size(); ++i) {
+            std::fputs(outputs[i].warnings.c_str(), stderr);
+            if (!outputs[i].failure.empty())
+                throw InputError{"message " + std::to_string(first + i + 1) + ": " + outputs[i].failure};
+            writeOut(outputs[i].text);
+            tally.add(trees[i], pbBufferLength(messages[i].get()));
         }
         if (progress)
-            std::fprintf(stderr, "\rmimetool: %zu/%zu messages", end, count);
+            std::fprintf(stderr, "\rmimetool: %zu messages", first + messages.size());
     }
     if (progress)
         std::fputs("\r\033[K", stderr);

@@ -5,6 +5,7 @@
 #include "tree.hpp"
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -19,6 +20,27 @@ bool isMbox(PB_BUFFER *content);
 // the start of the file or after an empty line; the empty line before the next
 // "From " line ends it; ">From " lines (any number of ">") lose one ">".
 std::vector<Ref<PB_BUFFER>> mboxMessages(PB_BUFFER *content);
+// The messages of an mbox file read as they come: memory holds one message
+// and what is read ahead of it, never the whole mailbox.
+class MboxReader {
+public:
+    explicit MboxReader(const std::string &path); // "-": standard input
+    ~MboxReader();
+    MboxReader(const MboxReader &) = delete;
+    MboxReader &operator=(const MboxReader &) = delete;
+
+    // The next message; false at the end.
+    bool next(Ref<PB_BUFFER> &message);
+
+private:
+    bool readMore();
+
+    int fd_;
+    std::string path_;
+    Ref<PB_BUFFER> pending_; // from the current "From " line on
+    PB_INT scanned_ = 0;     // where the search for the next one goes on
+};
+
 // The message files of a Maildir folder: cur/ then new/, each by name.
 std::vector<std::string> maildirFiles(const std::string &dir);
 
@@ -31,12 +53,25 @@ struct Tally {
     std::string line() const;
 };
 
-// Reads message count of them with load(i) on every core, as mail readers read
-// them (numbered "i+1:1.2"), and hands each tree to use(i, message) in order,
-// a batch at a time so that memory stays bounded. LF line ends are not
-// reported (mailboxes store mail with the system's line ends). A progress line
-// goes to standard error when it is a terminal. Returns the tally.
-Tally readMailbox(size_t count, const std::function<Ref<PB_BUFFER>(size_t)> &load,
-                  const std::function<void(size_t, const Part &)> &use);
+// The messages of the mailbox at path, one after another (false at the end);
+// an empty function when path is no mailbox: a Maildir folder, or a file that
+// starts with a "From " line.
+std::function<bool(Ref<PB_BUFFER> &)> openMailbox(const std::string &path);
+
+// What the work on one message gives: text for standard output, warnings for
+// standard error, or why it failed.
+struct Output {
+    std::string text, warnings, failure;
+};
+
+// Reads the messages that next() hands out (false at the end) on every core,
+// as mail readers read them (numbered "i+1:1.2"), and runs work(i, message) on
+// each tree there too; their outputs are written in the order of the
+// messages, a batch at a time, so that memory holds a batch, never the whole
+// mailbox. LF line ends are not reported (mailboxes store mail with the
+// system's line ends). A progress line goes to standard error when it is a
+// terminal. The first failure stops the run (an InputError naming the message).
+Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
+                  const std::function<Output(size_t, const Part &)> &work);
 
 } // namespace mimetool

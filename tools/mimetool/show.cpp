@@ -39,18 +39,20 @@ const Command kShow = {
 
 namespace {
 
-int showMailbox(size_t count, const std::function<Ref<PB_BUFFER>(size_t)> &load, bool json, bool strict)
+int showMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next, bool json, bool strict)
 {
     if (strict)
         throw UsageError{"--strict reads one message, not a mailbox"};
     writeOut(json ? "[\n" : "");
-    const Tally tally = readMailbox(count, load, [&](size_t i, const Part &message) {
+    const Tally tally = readMailbox(next, [&](size_t i, const Part &message) {
+        Output output;
         for (const std::string &line : defectLines(message))
-            std::fprintf(stderr, "mimetool: %s\n", line.c_str());
+            output.warnings += "mimetool: " + line + "\n";
         const std::string tree = json ? treeJson(message) : treeText(message);
-        writeOut((i ? (json ? ",\n" : "\n") : "") + (json ? tree.substr(0, tree.size() - 1) : tree));
+        output.text = (i ? (json ? ",\n" : "\n") : "") + (json ? tree.substr(0, tree.size() - 1) : tree);
+        return output;
     });
-    writeOut(json ? (count ? "\n]\n" : "]\n") : "");
+    writeOut(json ? (tally.messages ? "\n]\n" : "]\n") : "");
     std::fprintf(stderr, "mimetool: %s\n", tally.line().c_str());
     return 0;
 }
@@ -64,21 +66,10 @@ int runShow(Args &args)
     const std::vector<std::string> files = args.operands();
     if (files.size() > 1)
         throw UsageError{"show takes one file"};
-    if (!files.empty() && isMaildir(files[0])) {
-        const std::vector<std::string> paths = maildirFiles(files[0]);
-        return showMailbox(
-            paths.size(), [&](size_t i) { return readFile(paths[i]); }, json, strict);
-    }
+    if (!files.empty())
+        if (auto mailbox = openMailbox(files[0]))
+            return showMailbox(mailbox, json, strict);
     Ref<PB_BUFFER> content = files.empty() ? sampleMessage() : readFile(files[0]);
-    if (isMbox(content.get())) {
-        const std::vector<Ref<PB_BUFFER>> messages = mboxMessages(content.get());
-        return showMailbox(
-            messages.size(),
-            [&](size_t i) {
-                return Ref<PB_BUFFER>(pbBufferRead(messages[i].get(), 0, pbBufferLength(messages[i].get())));
-            },
-            json, strict);
-    }
     const Part message = readPart(std::move(content), strict);
     writeOut(json ? treeJson(message) : treeText(message));
     return 0;
