@@ -9,6 +9,7 @@
 
 #include <mime/mime.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -139,13 +140,16 @@ private:
     // defects that strict reading passes; fails on any other.
     bool comparable(MIME_PART *part, const StrictPart &strict)
     {
-        bool comparable = true;
-        for (PB_INT i = 0; i < mimePartDefectCount(part); ++i) {
-            MIME_DEFECT_CODE code = mimeDefectCode(adopt(mimePartDefectAt(part, i)).get());
-            if (!passedByStrict(code))
-                fail(std::string("a defect where strict reading accepts: ") + mimeDefectCodeName(code));
-            comparable = false;
-        }
+        std::vector<MIME_DEFECT_CODE> codes;
+        for (PB_INT i = 0; i < mimePartDefectCount(part); ++i)
+            codes.push_back(mimeDefectCode(adopt(mimePartDefectAt(part, i)).get()));
+        // A departure that strict reading passes may change the part's values
+        // (a boundary, say), and with them what else is found below it.
+        if (std::any_of(codes.begin(), codes.end(), passedByStrict))
+            return false;
+        if (!codes.empty())
+            fail(std::string("a defect where strict reading accepts: ") + mimeDefectCodeName(codes[0]));
+        bool comparable = codes.empty();
         for (size_t i = 0; i < strict.children.size() && i < static_cast<size_t>(mimePartChildCount(part)); ++i)
             comparable &=
                 this->comparable(adopt(mimePartChildAt(part, static_cast<PB_INT>(i))).get(), strict.children[i]);

@@ -215,8 +215,13 @@ void readLoosely(const PB_CHAR *c, PB_INT at, PB_INT n, Collected &collected)
                 --to;
             return std::pair<const PB_CHAR *, size_t>(c + from, static_cast<size_t>(to - from));
         };
+        // A control character (a stray CR, say) ends a value: what follows it
+        // is no part of any parameter.
+        PB_INT valueEnd = equals < end ? equals + 1 : end;
+        for (bool quoted = false; valueEnd < end && (quoted || c[valueEnd] >= 0x20 || c[valueEnd] == '\t'); ++valueEnd)
+            quoted ^= c[valueEnd] == '"';
         auto [key, keyLength] = trimmed(at, equals);
-        auto [value, valueLength] = equals < end ? trimmed(equals + 1, end) : trimmed(end, end);
+        auto [value, valueLength] = equals < end ? trimmed(equals + 1, valueEnd) : trimmed(end, end);
         if (keyLength > 0)
             collected.addText(key, keyLength, value, valueLength);
         at = end;

@@ -33,25 +33,26 @@ PB_INT nextLine(const PB_BYTE *b, PB_INT n, PB_INT at)
     return lf ? static_cast<const PB_BYTE *>(lf) - b + 1 : n;
 }
 
-bool isEmptyLine(const PB_BYTE *b, PB_INT at, PB_INT next)
-{
-    return next - at == 1 || (next - at == 2 && b[at] == '\r');
-}
-
 // b[from, to) with one ">" taken from each line that is ">"s and "From ".
 Ref<PB_BUFFER> unquoted(PB_BUFFER *content, PB_INT from, PB_INT to)
 {
     const PB_BYTE *b = pbBufferBacking(content);
     Ref<PB_BUFFER> out(pbBufferCreate());
     PB_INT copied = from;
-    for (PB_INT at = from; at < to; at = nextLine(b, to, at)) {
-        PB_INT quote = at;
-        while (quote < to && b[quote] == '>')
-            ++quote;
-        if (quote > at && startsWithFrom(b, to, quote)) {
-            pbBufferAppendBytes(out.address(), b + copied, at - copied);
-            copied = at + 1;
+    // Each "From " found at once (memmem), then: only ">"s before it on its line?
+    for (PB_INT at = from; at < to;) {
+        const void *hit = memmem(b + at, static_cast<size_t>(to - at), "From ", 5);
+        if (!hit)
+            break;
+        const PB_INT from5 = static_cast<const PB_BYTE *>(hit) - b;
+        PB_INT line = from5;
+        while (line > from && b[line - 1] == '>')
+            --line;
+        if (line < from5 && (line == from || b[line - 1] == '\n')) {
+            pbBufferAppendBytes(out.address(), b + copied, line - copied);
+            copied = line + 1;
         }
+        at = from5 + 5;
     }
     if (copied == from)
         return Ref<PB_BUFFER>(pbBufferRead(content, from, to - from));
@@ -119,15 +120,25 @@ namespace {
 // false when b[at, n) holds none.
 bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &line)
 {
-    for (PB_INT previous = -1; at < n;) {
-        const PB_INT next = nextLine(b, n, at);
-        if (startsWithFrom(b, n, at) && (at == 0 || (previous >= 0 && isEmptyLine(b, previous, at)))) {
-            sep = previous >= 0 ? previous : at;
-            line = at;
+    if (at == 0 && startsWithFrom(b, n, 0)) {
+        sep = line = 0;
+        return true;
+    }
+    // "From " after a line end that ends an empty line: LF LF or LF CR LF.
+    for (PB_INT from = at > 0 ? at - 1 : 0; from < n;) {
+        const void *hit = memmem(b + from, static_cast<size_t>(n - from), "\nFrom ", 6);
+        if (!hit)
+            return false;
+        const PB_INT lf = static_cast<const PB_BYTE *>(hit) - b;
+        const PB_INT empty = lf >= 1 && b[lf - 1] == '\n'                        ? lf
+                             : lf >= 2 && b[lf - 1] == '\r' && b[lf - 2] == '\n' ? lf - 1
+                                                                                 : -1;
+        if (empty >= at) {
+            sep = empty;
+            line = lf + 1;
             return true;
         }
-        previous = at;
-        at = next;
+        from = lf + 1;
     }
     return false;
 }
