@@ -5,13 +5,14 @@
 #include "text.hpp"
 
 #include <algorithm>
-#include <atomic>
 #include <cerrno>
+#include <condition_variable>
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
 #include <fcntl.h>
 #include <map>
+#include <mutex>
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
@@ -19,7 +20,8 @@
 namespace mimetool {
 namespace {
 
-constexpr size_t kBatchPerCore = 32; // messages read at once, for each core
+constexpr size_t kTake = 16;         // messages a worker takes at once
+constexpr size_t kBatchPerCore = 64; // messages read ahead of the one written, for each core
 
 bool startsWithFrom(const PB_BYTE *b, PB_INT n, PB_INT at)
 {
@@ -33,18 +35,23 @@ PB_INT nextLine(const PB_BYTE *b, PB_INT n, PB_INT at)
     return lf ? static_cast<const PB_BYTE *>(lf) - b + 1 : n;
 }
 
-// b[from, to) with one ">" taken from each line that is ">"s and "From ".
-Ref<PB_BUFFER> unquoted(PB_BUFFER *content, PB_INT from, PB_INT to)
+// b[from, to) as a new buffer, with one ">" taken from each line that is
+// ">"s and "From ".
+Ref<PB_BUFFER> unquoted(const PB_BYTE *b, PB_INT from, PB_INT to)
 {
-    const PB_BYTE *b = pbBufferBacking(content);
     Ref<PB_BUFFER> out(pbBufferCreate());
     PB_INT copied = from;
-    // Each "From " found at once (memmem), then: only ">"s before it on its line?
+    // Each "F" found at once (memchr: it is rare in mail), then: "From " with
+    // only ">"s before it on its line?
     for (PB_INT at = from; at < to;) {
-        const void *hit = memmem(b + at, static_cast<size_t>(to - at), "From ", 5);
+        const void *hit = std::memchr(b + at, 'F', static_cast<size_t>(to - at));
         if (!hit)
             break;
         const PB_INT from5 = static_cast<const PB_BYTE *>(hit) - b;
+        if (!startsWithFrom(b, to, from5) || from5 == from || b[from5 - 1] != '>') {
+            at = from5 + 1;
+            continue;
+        }
         PB_INT line = from5;
         while (line > from && b[line - 1] == '>')
             --line;
@@ -54,8 +61,6 @@ Ref<PB_BUFFER> unquoted(PB_BUFFER *content, PB_INT from, PB_INT to)
         }
         at = from5 + 5;
     }
-    if (copied == from)
-        return Ref<PB_BUFFER>(pbBufferRead(content, from, to - from));
     pbBufferAppendBytes(out.address(), b + copied, to - copied);
     return out;
 }
@@ -125,11 +130,16 @@ bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &li
         return true;
     }
     // "From " after a line end that ends an empty line: LF LF or LF CR LF.
-    for (PB_INT from = at > 0 ? at - 1 : 0; from < n;) {
-        const void *hit = memmem(b + from, static_cast<size_t>(n - from), "\nFrom ", 6);
+    for (PB_INT from = at > 0 ? at : 1; from < n;) {
+        // An "F" is rare in mail, so memchr for it runs at memory speed.
+        const void *hit = std::memchr(b + from, 'F', static_cast<size_t>(n - from));
         if (!hit)
             return false;
-        const PB_INT lf = static_cast<const PB_BYTE *>(hit) - b;
+        const PB_INT lf = static_cast<const PB_BYTE *>(hit) - b - 1;
+        if (b[lf] != '\n' || !startsWithFrom(b, n, lf + 1)) {
+            from = lf + 2;
+            continue;
+        }
         const PB_INT empty = lf >= 1 && b[lf - 1] == '\n'                        ? lf
                              : lf >= 2 && b[lf - 1] == '\r' && b[lf - 2] == '\n' ? lf - 1
                                                                                  : -1;
@@ -138,17 +148,16 @@ bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &li
             line = lf + 1;
             return true;
         }
-        from = lf + 1;
+        from = lf + 2;
     }
     return false;
 }
 
 // The message that starts after the "From " line at b[line] and ends at the
 // next one (end < 0: at the end of the content, before an empty last line).
-Ref<PB_BUFFER> messageAt(PB_BUFFER *content, PB_INT line, PB_INT end)
+Ref<PB_BUFFER> messageAt(const PB_BYTE *b, PB_INT n, PB_INT line, PB_INT end)
 {
-    const PB_BYTE *b = pbBufferBacking(content);
-    const PB_INT n = pbBufferLength(content), start = nextLine(b, n, line);
+    const PB_INT start = nextLine(b, n, line);
     if (end < 0) {
         end = n;
         if (end > start && b[end - 1] == '\n') { // a last empty line is the separator
@@ -159,7 +168,7 @@ Ref<PB_BUFFER> messageAt(PB_BUFFER *content, PB_INT line, PB_INT end)
             end = lineStart == last && lineStart > start ? lineStart : end;
         }
     }
-    return unquoted(content, start, end < start ? start : end);
+    return unquoted(b, start, end < start ? start : end);
 }
 
 } // namespace
@@ -174,17 +183,16 @@ std::vector<Ref<PB_BUFFER>> mboxMessages(PB_BUFFER *content)
         return messages;
     for (PB_INT nextSep = 0, nextLineAt = 0;;) {
         if (!nextFromLine(b, n, nextLine(b, n, line), nextSep, nextLineAt)) {
-            messages.push_back(messageAt(content, line, -1));
+            messages.push_back(messageAt(b, n, line, -1));
             return messages;
         }
-        messages.push_back(messageAt(content, line, nextSep));
+        messages.push_back(messageAt(b, n, line, nextSep));
         line = nextLineAt;
     }
 }
 
 MboxReader::MboxReader(const std::string &path)
-    : fd_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)), path_(path),
-      pending_(pbBufferCreate())
+    : fd_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)), path_(path)
 {
     if (fd_ < 0)
         throw InputError{"cannot open " + path + ": " + std::strerror(errno)};
@@ -198,13 +206,18 @@ MboxReader::~MboxReader()
 
 bool MboxReader::readMore()
 {
-    constexpr PB_INT kStep = 1 << 20;
-    PB_BYTE *space = pbBufferAppendSpace(pending_.address(), kStep);
+    constexpr size_t kStep = 1 << 20;
+    // The bytes before the current message are done with: move the rest to the
+    // front, so that the buffer is reused and grows only for a larger message.
+    buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<ptrdiff_t>(start_));
+    start_ = 0;
+    const size_t had = buffer_.size();
+    buffer_.resize(had + kStep);
     ssize_t got;
     do
-        got = read(fd_, space, kStep);
+        got = read(fd_, buffer_.data() + had, kStep);
     while (got < 0 && errno == EINTR);
-    pbBufferDelTrailing(pending_.address(), kStep - (got > 0 ? got : 0));
+    buffer_.resize(had + static_cast<size_t>(got > 0 ? got : 0));
     if (got < 0)
         throw InputError{"cannot read " + path_ + ": " + std::strerror(errno)};
     return got > 0;
@@ -213,15 +226,15 @@ bool MboxReader::readMore()
 bool MboxReader::next(Ref<PB_BUFFER> &message)
 {
     for (;;) {
-        const PB_BYTE *b = pbBufferBacking(pending_.get());
-        const PB_INT n = pbBufferLength(pending_.get());
+        const PB_BYTE *b = buffer_.data() + start_;
+        const PB_INT n = static_cast<PB_INT>(buffer_.size() - start_);
         PB_INT sep = 0, line = 0;
-        // The message whose "From " line starts pending, once the next one is
-        // read; the scan goes on where the last one stopped.
+        // The message whose "From " line starts the unread bytes, once the next
+        // one is read; the scan goes on where the last one stopped.
         const PB_INT from = std::max(scanned_, n > 0 ? nextLine(b, n, 0) : 0);
         if (n > 0 && nextFromLine(b, n, from, sep, line)) {
-            message = messageAt(pending_.get(), 0, sep);
-            pending_.reset(pbBufferRead(pending_.get(), line, n - line));
+            message = messageAt(b, n, 0, sep);
+            start_ += static_cast<size_t>(line);
             scanned_ = 0;
             return true;
         }
@@ -229,15 +242,17 @@ bool MboxReader::next(Ref<PB_BUFFER> &message)
         PB_INT last = n;
         while (last > 0 && b[last - 1] != '\n')
             --last;
-        PB_INT start = last > 0 ? last - 1 : 0;
-        while (start > 0 && b[start - 1] != '\n')
-            --start;
-        scanned_ = start;
-        if (!readMore()) { // nothing appended: pending is as it was
-            if (n == 0 || !startsWithFrom(pbBufferBacking(pending_.get()), n, 0))
+        PB_INT resume = last > 0 ? last - 1 : 0;
+        while (resume > 0 && b[resume - 1] != '\n')
+            --resume;
+        scanned_ = resume;
+        if (!readMore()) {
+            const PB_BYTE *rest = buffer_.data() + start_;
+            const PB_INT left = static_cast<PB_INT>(buffer_.size() - start_);
+            if (left == 0 || !startsWithFrom(rest, left, 0))
                 return false;
-            message = messageAt(pending_.get(), 0, -1);
-            pending_.reset(pbBufferCreate());
+            message = messageAt(rest, left, 0, -1);
+            start_ = buffer_.size();
             return true;
         }
     }
@@ -283,6 +298,17 @@ void Tally::add(const Part &message, PB_INT size)
     defects.assign(codes.begin(), codes.end());
 }
 
+void Tally::merge(const Tally &other)
+{
+    messages += other.messages;
+    parts += other.parts;
+    bytes += other.bytes;
+    std::map<std::string, long> codes(defects.begin(), defects.end());
+    for (const auto &[code, count] : other.defects)
+        codes[code] += count;
+    defects.assign(codes.begin(), codes.end());
+}
+
 std::string Tally::line() const
 {
     long total = 0;
@@ -295,52 +321,106 @@ std::string Tally::line() const
            std::to_string(total) + " defects" + (detail.empty() ? "" : " (" + detail + ")");
 }
 
+namespace {
+
+// One message read and worked on, waiting for its turn to be written.
+struct Done {
+    Output output;
+    Tally tally; // of this message alone
+};
+
+} // namespace
+
 Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
                   const std::function<Output(size_t, const Part &)> &work)
 {
     const bool progress = isatty(STDERR_FILENO);
     const unsigned workers = std::max(1u, std::thread::hardware_concurrency());
-    const size_t batch = kBatchPerCore * workers;
-    Tally tally;
-    for (size_t first = 0;; first += batch) {
-        std::vector<Ref<PB_BUFFER>> messages;
-        for (Ref<PB_BUFFER> message; messages.size() < batch && next(message);)
-            messages.push_back(std::move(message));
-        if (messages.empty())
-            break;
-        std::vector<Part> trees(messages.size());
-        std::vector<Output> outputs(messages.size());
-        std::atomic<size_t> nextIndex{0};
-        auto run = [&] {
-            Ref<MIME_OPTIONS> options = defaultOptions();
-            for (size_t i; (i = nextIndex.fetch_add(1)) < messages.size();) {
-                trees[i] = readMail(messages[i].get(), options.get(), std::to_string(first + i + 1) + ":");
-                dropBareLineEnds(trees[i]);
-                try {
-                    outputs[i] = work(first + i, trees[i]);
-                } catch (const InputError &error) {
-                    outputs[i].failure = error.message;
+    const size_t window = kBatchPerCore * workers; // messages ahead of the one written next
+    std::mutex mutex;
+    std::condition_variable changed;
+    size_t taken = 0, written = 0;
+    bool exhausted = false, stopped = false;
+    std::map<size_t, Done> done;
+    // Each worker takes the next few messages (reading the mailbox in turn),
+    // reads their trees and works on them, all on its own core, and hands the
+    // results over together: the fewer the meetings, the less the waiting.
+    auto worker = [&] {
+        Ref<MIME_OPTIONS> options = defaultOptions();
+        for (;;) {
+            std::vector<Ref<PB_BUFFER>> messages;
+            size_t first;
+            {
+                std::unique_lock<std::mutex> lock(mutex);
+                changed.wait(lock, [&] { return stopped || exhausted || taken - written < window; });
+                if (stopped || exhausted)
+                    return;
+                first = taken;
+                for (Ref<PB_BUFFER> message; messages.size() < kTake && next(message);)
+                    messages.push_back(std::move(message));
+                taken += messages.size();
+                exhausted = messages.size() < kTake;
+                if (messages.empty()) {
+                    changed.notify_all();
+                    return;
                 }
             }
-        };
-        std::vector<std::thread> threads;
-        for (unsigned t = 1; t < workers && t < messages.size(); ++t)
-            threads.emplace_back(run);
-        run();
-        for (std::thread &t : threads)
-            t.join();
-        for (size_t i = 0; i < messages.size(); ++i) {
-            std::fputs(outputs[i].warnings.c_str(), stderr);
-            if (!outputs[i].failure.empty())
-                throw InputError{"message " + std::to_string(first + i + 1) + ": " + outputs[i].failure};
-            writeOut(outputs[i].text);
-            tally.add(trees[i], pbBufferLength(messages[i].get()));
+            std::vector<Done> results(messages.size());
+            for (size_t k = 0; k < messages.size(); ++k) {
+                Part tree = readMail(messages[k].get(), options.get(), std::to_string(first + k + 1) + ":");
+                dropBareLineEnds(tree);
+                results[k].tally.add(tree, pbBufferLength(messages[k].get()));
+                try {
+                    results[k].output = work(first + k, tree);
+                } catch (const InputError &error) {
+                    results[k].output.failure = error.message;
+                }
+            }
+            std::lock_guard<std::mutex> lock(mutex);
+            for (size_t k = 0; k < results.size(); ++k)
+                done.emplace(first + k, std::move(results[k]));
+            changed.notify_all();
         }
-        if (progress)
-            std::fprintf(stderr, "\rmimetool: %zu messages", first + messages.size());
+    };
+    std::vector<std::thread> threads;
+    for (unsigned t = 0; t < workers; ++t)
+        threads.emplace_back(worker);
+    Tally tally;
+    std::string failure;
+    for (;;) {
+        Done result;
+        {
+            std::unique_lock<std::mutex> lock(mutex);
+            changed.wait(lock, [&] { return done.count(written) || (exhausted && written == taken); });
+            if (!done.count(written))
+                break;
+            result = std::move(done[written]);
+            done.erase(written);
+        }
+        std::fputs(result.output.warnings.c_str(), stderr);
+        if (!result.output.failure.empty()) {
+            failure = "message " + std::to_string(written + 1) + ": " + result.output.failure;
+            break;
+        }
+        writeOut(result.output.text);
+        tally.merge(result.tally);
+        std::lock_guard<std::mutex> lock(mutex);
+        if (++written % kTake == 0 || written == taken)
+            changed.notify_all();
+        if (progress && written % 64 == 0)
+            std::fprintf(stderr, "\rmimetool: %zu messages", written);
     }
+    {
+        std::lock_guard<std::mutex> lock(mutex);
+        stopped = true;
+        changed.notify_all();
+    }
+    for (std::thread &t : threads)
+        t.join();
     if (progress)
         std::fputs("\r\033[K", stderr);
+    if (!failure.empty())
+        throw InputError{failure};
     return tally;
 }
 

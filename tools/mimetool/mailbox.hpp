@@ -37,8 +37,9 @@ private:
 
     int fd_;
     std::string path_;
-    Ref<PB_BUFFER> pending_; // from the current "From " line on
-    PB_INT scanned_ = 0;     // where the search for the next one goes on
+    std::vector<PB_BYTE> buffer_; // read ahead; the current message's "From " line at start_
+    size_t start_ = 0;
+    PB_INT scanned_ = 0; // where the search for the next one goes on, from start_
 };
 
 // The message files of a Maildir folder: cur/ then new/, each by name.
@@ -49,6 +50,7 @@ struct Tally {
     long messages = 0, parts = 0, bytes = 0;
     std::vector<std::pair<std::string, long>> defects; // by code, in code order
     void add(const Part &message, PB_INT size);
+    void merge(const Tally &other);
     // "3 messages, 17 parts, 12,345 bytes, 2 defects (close-delimiter-missing 2)"
     std::string line() const;
 };
@@ -67,8 +69,8 @@ struct Output {
 // Reads the messages that next() hands out (false at the end) on every core,
 // as mail readers read them (numbered "i+1:1.2"), and runs work(i, message) on
 // each tree there too; their outputs are written in the order of the
-// messages, a batch at a time, so that memory holds a batch, never the whole
-// mailbox. LF line ends are not reported (mailboxes store mail with the
+// messages, at most a window of them ahead, so that memory holds a window of
+// messages, never the whole mailbox. LF line ends are not reported (mailboxes store mail with the
 // system's line ends). A progress line goes to standard error when it is a
 // terminal. The first failure stops the run (an InputError naming the message).
 Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
