@@ -92,18 +92,18 @@ bool isDirectory(const std::string &path)
 // departure there.
 void dropBareLineEnds(Part &part)
 {
-    std::erase_if(part.defects, [](const Defect &d) { return d.code == "line-end-bare"; });
+    std::erase_if(part.defects, [](const Defect &d) { return d.code == MIME_DEFECT_LINE_END_BARE; });
     for (Part &child : part.parts)
         dropBareLineEnds(child);
 }
 
-void countParts(const Part &part, Tally &tally, std::map<std::string, long> &codes)
+void countParts(const Part &part, Tally &tally)
 {
     ++tally.parts;
     for (const Defect &d : part.defects)
-        ++codes[d.code];
+        ++tally.defects[static_cast<size_t>(d.code)];
     for (const Part &child : part.parts)
-        countParts(child, tally, codes);
+        countParts(child, tally);
 }
 
 } // namespace
@@ -293,9 +293,7 @@ void Tally::add(const Part &message, PB_INT size)
 {
     ++messages;
     bytes += size;
-    std::map<std::string, long> codes(defects.begin(), defects.end());
-    countParts(message, *this, codes);
-    defects.assign(codes.begin(), codes.end());
+    countParts(message, *this);
 }
 
 void Tally::merge(const Tally &other)
@@ -303,19 +301,20 @@ void Tally::merge(const Tally &other)
     messages += other.messages;
     parts += other.parts;
     bytes += other.bytes;
-    std::map<std::string, long> codes(defects.begin(), defects.end());
-    for (const auto &[code, count] : other.defects)
-        codes[code] += count;
-    defects.assign(codes.begin(), codes.end());
+    for (size_t code = 0; code < defects.size(); ++code)
+        defects[code] += other.defects[code];
 }
 
 std::string Tally::line() const
 {
     long total = 0;
     std::string detail;
-    for (const auto &[code, count] : defects) {
-        total += count;
-        detail += (detail.empty() ? "" : ", ") + code + " " + std::to_string(count);
+    for (size_t code = 0; code < defects.size(); ++code) {
+        if (!defects[code])
+            continue;
+        total += defects[code];
+        detail += (detail.empty() ? "" : ", ") + std::string(mimeDefectCodeName(static_cast<PB_INT>(code))) + " " +
+                  std::to_string(defects[code]);
     }
     return std::to_string(messages) + " messages, " + std::to_string(parts) + " parts, " + byteCount(bytes) + ", " +
            std::to_string(total) + " defects" + (detail.empty() ? "" : " (" + detail + ")");

@@ -4,6 +4,7 @@
 
 #include "tree.hpp"
 
+#include <array>
 #include <functional>
 #include <memory>
 #include <string>
@@ -48,7 +49,7 @@ std::vector<std::string> maildirFiles(const std::string &dir);
 // What reading the messages found, for the summary line.
 struct Tally {
     long messages = 0, parts = 0, bytes = 0;
-    std::vector<std::pair<std::string, long>> defects; // by code, in code order
+    std::array<long, MIME_DEFECT_CODE_COUNT> defects{}; // by code
     void add(const Part &message, PB_INT size);
     void merge(const Tally &other);
     // "3 messages, 17 parts, 12,345 bytes, 2 defects (close-delimiter-missing 2)"

@@ -99,7 +99,7 @@ void printJson(const Part &part, int depth, std::string &out)
     out += field + "\"encodedSize\": " + (part.encodedSize >= 0 ? std::to_string(part.encodedSize) : "null") + ",\n";
     std::string defects;
     for (const Defect &d : part.defects)
-        defects += std::string(defects.empty() ? "" : ", ") + "{\"code\": " + jsonString(d.code) +
+        defects += std::string(defects.empty() ? "" : ", ") + "{\"code\": " + jsonString(mimeDefectCodeName(d.code)) +
                    ", \"offset\": " + std::to_string(d.offset) + ", \"text\": " + jsonString(d.text) + "}";
     out += field + "\"defects\": [" + defects + "],\n";
     Ref<PB_STRING> line = firstLine(part);

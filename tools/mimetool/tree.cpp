@@ -157,8 +157,7 @@ void convert(MIME_PART *source, Part &part, const std::string &prefix, bool isMe
     for (PB_INT i = 0; i < mimePartDefectCount(source); i++) {
         Ref<MIME_DEFECT> defect(mimePartDefectAt(source, i));
         Ref<PB_STRING> text(mimeDefectText(defect.get()));
-        part.defects.push_back(
-            {mimeDefectCodeName(mimeDefectCode(defect.get())), mimeDefectOffset(defect.get()), utf8(text.get())});
+        part.defects.push_back({mimeDefectCode(defect.get()), mimeDefectOffset(defect.get()), utf8(text.get())});
     }
     part.parts.resize(static_cast<size_t>(mimePartChildCount(source)));
     for (PB_INT i = 0; i < mimePartChildCount(source); i++) {

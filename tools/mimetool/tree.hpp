@@ -11,9 +11,9 @@ namespace mimetool {
 
 // One departure from the RFCs that the reader found and read past.
 struct Defect {
-    std::string code; // "close-delimiter-missing", ...
-    PB_INT offset;    // byte of the message where it was found
-    std::string text; // one sentence
+    MIME_DEFECT_CODE code; // its name: mimeDefectCodeName
+    PB_INT offset;         // byte of the message where it was found
+    std::string text;      // one sentence
 };
 
 struct Part {
