@@ -218,9 +218,9 @@ std::string extractTo(const Part &message, const std::string &dir, bool force)
 }
 
 // Each message of a mailbox into its own folder, DIR/3 for the third.
-int extractMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next, const std::string &dir, bool force)
+int extractMailbox(const Mailbox &mailbox, const std::string &dir, bool force)
 {
-    const Tally tally = readMailbox(next, [&](size_t i, const Part &message) {
+    const Tally tally = readMailbox(mailbox, [&](size_t i, const Part &message) {
         Output output;
         for (const std::string &line : defectLines(message))
             output.warnings += "mimetool: " + line + "\n";
@@ -243,7 +243,7 @@ int runExtract(Args &args)
         throw UsageError{"extract needs -o DIR"};
     if (files.size() != 1)
         throw UsageError{"extract takes one file"};
-    if (auto mailbox = strict ? nullptr : openMailbox(files[0]))
+    if (Mailbox mailbox = strict ? Mailbox() : openMailbox(files[0]))
         return extractMailbox(mailbox, *dir, force);
     Ref<PB_BUFFER> content = readFile(files[0]);
     writeOut(extractTo(readPart(std::move(content), strict), *dir, force));

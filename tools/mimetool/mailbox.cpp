@@ -153,9 +153,10 @@ bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &li
     return false;
 }
 
-// The message that starts after the "From " line at b[line] and ends at the
-// next one (end < 0: at the end of the content, before an empty last line).
-Ref<PB_BUFFER> messageAt(const PB_BYTE *b, PB_INT n, PB_INT line, PB_INT end)
+// Where the message starts that follows the "From " line at b[line], and
+// where it ends: at end, the empty line before the next "From " line (end < 0:
+// at the end of the content, before an empty last line).
+std::pair<PB_INT, PB_INT> messageRange(const PB_BYTE *b, PB_INT n, PB_INT line, PB_INT end)
 {
     const PB_INT start = nextLine(b, n, line);
     if (end < 0) {
@@ -168,7 +169,7 @@ Ref<PB_BUFFER> messageAt(const PB_BYTE *b, PB_INT n, PB_INT line, PB_INT end)
             end = lineStart == last && lineStart > start ? lineStart : end;
         }
     }
-    return unquoted(b, start, end < start ? start : end);
+    return {start, end < start ? start : end};
 }
 
 } // namespace
@@ -182,11 +183,11 @@ std::vector<Ref<PB_BUFFER>> mboxMessages(PB_BUFFER *content)
     if (!nextFromLine(b, n, 0, sep, line) || line != 0)
         return messages;
     for (PB_INT nextSep = 0, nextLineAt = 0;;) {
-        if (!nextFromLine(b, n, nextLine(b, n, line), nextSep, nextLineAt)) {
-            messages.push_back(messageAt(b, n, line, -1));
+        const bool last = !nextFromLine(b, n, nextLine(b, n, line), nextSep, nextLineAt);
+        const auto [start, end] = messageRange(b, n, line, last ? -1 : nextSep);
+        messages.push_back(unquoted(b, start, end));
+        if (last)
             return messages;
-        }
-        messages.push_back(messageAt(b, n, line, nextSep));
         line = nextLineAt;
     }
 }
@@ -233,7 +234,8 @@ bool MboxReader::next(Ref<PB_BUFFER> &message)
         // one is read; the scan goes on where the last one stopped.
         const PB_INT from = std::max(scanned_, n > 0 ? nextLine(b, n, 0) : 0);
         if (n > 0 && nextFromLine(b, n, from, sep, line)) {
-            message = messageAt(b, n, 0, sep);
+            const auto [begin, end] = messageRange(b, n, 0, sep);
+            message = Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(b + begin, end - begin));
             start_ += static_cast<size_t>(line);
             scanned_ = 0;
             return true;
@@ -247,15 +249,24 @@ bool MboxReader::next(Ref<PB_BUFFER> &message)
             --resume;
         scanned_ = resume;
         if (!readMore()) {
-            const PB_BYTE *rest = buffer_.data() + start_;
-            const PB_INT left = static_cast<PB_INT>(buffer_.size() - start_);
+            const PB_BYTE *rest = buffer_.data();
+            const PB_INT left = static_cast<PB_INT>(buffer_.size());
             if (left == 0 || !startsWithFrom(rest, left, 0))
                 return false;
-            message = messageAt(rest, left, 0, -1);
+            const auto [begin, end] = messageRange(rest, left, 0, -1);
+            message = Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(rest + begin, end - begin));
             start_ = buffer_.size();
             return true;
         }
     }
+}
+
+Ref<PB_BUFFER> mboxUnquoted(PB_BUFFER *message)
+{
+    Ref<PB_BUFFER> out = unquoted(pbBufferBacking(message), 0, pbBufferLength(message));
+    if (pbBufferLength(out.get()) == pbBufferLength(message)) // nothing was quoted
+        out.reset(pbBufferRetain(message));
+    return out;
 }
 
 std::vector<std::string> maildirFiles(const std::string &dir)
@@ -266,17 +277,18 @@ std::vector<std::string> maildirFiles(const std::string &dir)
     return files;
 }
 
-std::function<bool(Ref<PB_BUFFER> &)> openMailbox(const std::string &path)
+Mailbox openMailbox(const std::string &path)
 {
     if (isMaildir(path)) {
         auto files = std::make_shared<std::vector<std::string>>(maildirFiles(path));
         auto index = std::make_shared<size_t>(0);
-        return [files, index](Ref<PB_BUFFER> &message) {
-            if (*index == files->size())
-                return false;
-            message = readFile((*files)[(*index)++]);
-            return true;
-        };
+        return {[files, index](Ref<PB_BUFFER> &message) {
+                    if (*index == files->size())
+                        return false;
+                    message = readFile((*files)[(*index)++]);
+                    return true;
+                },
+                false};
     }
     char head[5] = {};
     const int fd = path == "-" ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -286,7 +298,7 @@ std::function<bool(Ref<PB_BUFFER> &)> openMailbox(const std::string &path)
     if (!mbox)
         return {};
     auto reader = std::make_shared<MboxReader>(path);
-    return [reader](Ref<PB_BUFFER> &message) { return reader->next(message); };
+    return {[reader](Ref<PB_BUFFER> &message) { return reader->next(message); }, true};
 }
 
 void Tally::add(const Part &message, PB_INT size)
@@ -330,9 +342,9 @@ struct Done {
 
 } // namespace
 
-Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
-                  const std::function<Output(size_t, const Part &)> &work)
+Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, const Part &)> &work)
 {
+    const std::function<bool(Ref<PB_BUFFER> &)> &next = mailbox.next;
     const bool progress = isatty(STDERR_FILENO);
     const unsigned workers = std::max(1u, std::thread::hardware_concurrency());
     const size_t window = kBatchPerCore * workers; // messages ahead of the one written next
@@ -366,6 +378,8 @@ Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
             }
             std::vector<Done> results(messages.size());
             for (size_t k = 0; k < messages.size(); ++k) {
+                if (mailbox.quoted)
+                    messages[k] = mboxUnquoted(messages[k].get());
                 Part tree = readMail(messages[k].get(), options.get(), std::to_string(first + k + 1) + ":");
                 dropBareLineEnds(tree);
                 results[k].tally.add(tree, pbBufferLength(messages[k].get()));

@@ -30,7 +30,8 @@ public:
     MboxReader(const MboxReader &) = delete;
     MboxReader &operator=(const MboxReader &) = delete;
 
-    // The next message; false at the end.
+    // The next message as it stands in the file (">From " lines still
+    // quoted: mboxUnquoted undoes that); false at the end.
     bool next(Ref<PB_BUFFER> &message);
 
 private:
@@ -42,6 +43,9 @@ private:
     size_t start_ = 0;
     PB_INT scanned_ = 0; // where the search for the next one goes on, from start_
 };
+
+// message with one ">" taken from each line that is ">"s and "From ".
+Ref<PB_BUFFER> mboxUnquoted(PB_BUFFER *message);
 
 // The message files of a Maildir folder: cur/ then new/, each by name.
 std::vector<std::string> maildirFiles(const std::string &dir);
@@ -56,10 +60,17 @@ struct Tally {
     std::string line() const;
 };
 
-// The messages of the mailbox at path, one after another (false at the end);
-// an empty function when path is no mailbox: a Maildir folder, or a file that
-// starts with a "From " line.
-std::function<bool(Ref<PB_BUFFER> &)> openMailbox(const std::string &path);
+// A mailbox's messages, one after another (false at the end); quoted: they
+// are an mbox file's, ">From " lines still quoted.
+struct Mailbox {
+    std::function<bool(Ref<PB_BUFFER> &)> next;
+    bool quoted = false;
+    explicit operator bool() const { return static_cast<bool>(next); }
+};
+
+// The mailbox at path, or an empty one when path is no mailbox: a Maildir
+// folder, or a file that starts with a "From " line.
+Mailbox openMailbox(const std::string &path);
 
 // What the work on one message gives: text for standard output, warnings for
 // standard error, or why it failed.
@@ -67,14 +78,13 @@ struct Output {
     std::string text, warnings, failure;
 };
 
-// Reads the messages that next() hands out (false at the end) on every core,
+// Reads the messages of mailbox on every core (unquoted there too),
 // as mail readers read them (numbered "i+1:1.2"), and runs work(i, message) on
 // each tree there too; their outputs are written in the order of the
 // messages, at most a window of them ahead, so that memory holds a window of
 // messages, never the whole mailbox. LF line ends are not reported (mailboxes store mail with the
 // system's line ends). A progress line goes to standard error when it is a
 // terminal. The first failure stops the run (an InputError naming the message).
-Tally readMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next,
-                  const std::function<Output(size_t, const Part &)> &work);
+Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, const Part &)> &work);
 
 } // namespace mimetool

@@ -39,12 +39,12 @@ const Command kShow = {
 
 namespace {
 
-int showMailbox(const std::function<bool(Ref<PB_BUFFER> &)> &next, bool json, bool strict)
+int showMailbox(const Mailbox &mailbox, bool json, bool strict)
 {
     if (strict)
         throw UsageError{"--strict reads one message, not a mailbox"};
     writeOut(json ? "[\n" : "");
-    const Tally tally = readMailbox(next, [&](size_t i, const Part &message) {
+    const Tally tally = readMailbox(mailbox, [&](size_t i, const Part &message) {
         Output output;
         for (const std::string &line : defectLines(message))
             output.warnings += "mimetool: " + line + "\n";
