@@ -13,7 +13,7 @@
  * the message, "1", as "1.2.3".
  *
  * Defects are values: they compare by offset, then part, code and text; their
- * text form is "part 1.2, byte 5120: the close delimiter --b-- is missing"
+ * text form is "part 2, byte 5120: the close delimiter --b-- is missing"
  * ("byte N: ..." when the part is ""). */
 #ifndef MIME_DEFECT_H
 #define MIME_DEFECT_H

@@ -176,7 +176,7 @@ class Extract(ToolTest):
         # Read as mail readers read it, the base64 that is there is written, and the folders made.
         status, out, err = run("extract", message, "-o", self.path("a/b"))
         self.assertEqual(status, 0)
-        self.assertIn("part 1.2, byte", err)
+        self.assertRegex(err, r"part 1\.2, byte")
         self.assertEqual(sorted(os.listdir(self.path("a/b"))), ["part-1.1.bin", "part-1.2.bin"])
 
 

@@ -222,8 +222,7 @@ int extractMailbox(const Mailbox &mailbox, const std::string &dir, bool force)
 {
     const Tally tally = readMailbox(mailbox, [&](size_t i, const Part &message) {
         Output output;
-        for (const std::string &line : defectLines(message))
-            output.warnings += "mimetool: " + line + "\n";
+        output.warnings = warnings(message);
         output.text = extractTo(message, dir + "/" + std::to_string(i + 1), force);
         return output;
     });

@@ -27,7 +27,8 @@ const Command kShow = {
     "\n"
     "FILE may also be a mailbox: an mbox file (it starts with a \"From \" line) or a\n"
     "Maildir folder. Its messages are read on every core and shown in order,\n"
-    "numbered 3:1.2 (message 3, part 1.2), and a summary line ends the run.\n"
+    "numbered 3:1.2 (the message's number, then the part's), and a summary line\n"
+    "ends the run.\n"
     "\n"
     "  --json     print the tree as one JSON object (see the README); a mailbox\n"
     "             as a JSON array of them\n"
@@ -46,8 +47,7 @@ int showMailbox(const Mailbox &mailbox, bool json, bool strict)
     writeOut(json ? "[\n" : "");
     const Tally tally = readMailbox(mailbox, [&](size_t i, const Part &message) {
         Output output;
-        for (const std::string &line : defectLines(message))
-            output.warnings += "mimetool: " + line + "\n";
+        output.warnings = warnings(message);
         const std::string tree = json ? treeJson(message) : treeText(message);
         output.text = (i ? (json ? ",\n" : "\n") : "") + (json ? tree.substr(0, tree.size() - 1) : tree);
         return output;

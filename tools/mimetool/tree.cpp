@@ -190,15 +190,17 @@ Part readPart(Ref<PB_BUFFER> content, bool strict)
     if (strict)
         return readMessage(withWireLineEnds(std::move(content)).get(), options.get());
     Part message = readMail(content.get(), options.get());
-    for (const std::string &line : defectLines(message))
-        std::fprintf(stderr, "mimetool: %s\n", line.c_str());
+    std::fputs(warnings(message).c_str(), stderr);
     return message;
 }
 
-std::vector<std::string> defectLines(const Part &message)
+std::string warnings(const Part &message)
 {
-    std::vector<std::string> out;
-    collectDefects(message, out);
+    std::vector<std::string> lines;
+    collectDefects(message, lines);
+    std::string out;
+    for (const std::string &line : lines)
+        out += "mimetool: " + line + "\n";
     return out;
 }
 

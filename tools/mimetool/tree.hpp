@@ -56,12 +56,12 @@ Part readMail(PB_BUFFER *content, MIME_OPTIONS *opt, const std::string &prefix =
 
 // The message in content, read strictly (CR LF taken for each LF of a file
 // without CR) or as mail readers read it, its warnings then written to
-// standard error ("mimetool: part 1.2, byte 5120: ...").
+// standard error ("mimetool: part 2, byte 5120: ...").
 Part readPart(Ref<PB_BUFFER> content, bool strict);
 
-// A warning line for every defect of the tree, depth first: "part 1.2, byte
-// 5120: the close delimiter --b-- is missing".
-std::vector<std::string> defectLines(const Part &message);
+// A warning line for every defect of the tree, depth first: "mimetool: part
+// 2, byte 5120: the close delimiter --b-- is missing".
+std::string warnings(const Part &message);
 
 // The media type name as registered (application/EmergencyCallData.Comment+xml),
 // or null without a Content-Type.
