@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <condition_variable>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <dirent.h>
@@ -16,6 +17,7 @@
 #include <sys/stat.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 
 namespace mimetool {
 namespace {
@@ -41,25 +43,21 @@ Ref<PB_BUFFER> unquoted(const PB_BYTE *b, PB_INT from, PB_INT to)
 {
     Ref<PB_BUFFER> out(pbBufferCreate());
     PB_INT copied = from;
-    // Each "F" found at once (memchr: it is rare in mail), then: "From " with
-    // only ">"s before it on its line?
+    // Each ">" found at once (memchr: outside quoted replies it is rare in
+    // mail), then: does its line start with ">"s and "From "?
     for (PB_INT at = from; at < to;) {
-        const void *hit = std::memchr(b + at, 'F', static_cast<size_t>(to - at));
+        const void *hit = std::memchr(b + at, '>', static_cast<size_t>(to - at));
         if (!hit)
             break;
-        const PB_INT from5 = static_cast<const PB_BYTE *>(hit) - b;
-        if (!startsWithFrom(b, to, from5) || from5 == from || b[from5 - 1] != '>') {
-            at = from5 + 1;
-            continue;
+        const PB_INT quote = static_cast<const PB_BYTE *>(hit) - b;
+        PB_INT quotes = quote;
+        while (quotes < to && b[quotes] == '>')
+            ++quotes;
+        if ((quote == from || b[quote - 1] == '\n') && startsWithFrom(b, to, quotes)) {
+            pbBufferAppendBytes(out.address(), b + copied, quote - copied);
+            copied = quote + 1;
         }
-        PB_INT line = from5;
-        while (line > from && b[line - 1] == '>')
-            --line;
-        if (line < from5 && (line == from || b[line - 1] == '\n')) {
-            pbBufferAppendBytes(out.address(), b + copied, line - copied);
-            copied = line + 1;
-        }
-        at = from5 + 5;
+        at = quotes;
     }
     pbBufferAppendBytes(out.address(), b + copied, to - copied);
     return out;
@@ -120,6 +118,30 @@ bool isMbox(PB_BUFFER *content)
 
 namespace {
 
+// The first line end at or after at that an "F" follows, or n. Lines
+// starting with "F" are rare in mail, but an "F" alone is not (base64 has one
+// in 64 characters): the pairs are compared 32 at a time.
+PB_INT nextLineStartingWithF(const PB_BYTE *b, PB_INT n, PB_INT at)
+{
+    using Lanes = signed char __attribute__((vector_size(16)));
+    const Lanes lf = {'\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n', '\n'};
+    const Lanes f = {'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F', 'F'};
+    for (; at + 33 <= n; at += 32) {
+        Lanes here[2], after[2];
+        std::memcpy(here, b + at, sizeof here);
+        std::memcpy(after, b + at + 1, sizeof after);
+        const Lanes hits = ((here[0] == lf) & (after[0] == f)) | ((here[1] == lf) & (after[1] == f));
+        uint64_t words[2];
+        std::memcpy(words, &hits, sizeof words);
+        if (words[0] | words[1])
+            break;
+    }
+    for (; at + 1 < n; ++at)
+        if (b[at] == '\n' && b[at + 1] == 'F')
+            return at;
+    return n;
+}
+
 // The next "From " line at or after at that starts the file or follows an
 // empty line, and where that empty line starts (sep == line at the start);
 // false when b[at, n) holds none.
@@ -130,14 +152,12 @@ bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &li
         return true;
     }
     // "From " after a line end that ends an empty line: LF LF or LF CR LF.
-    for (PB_INT from = at > 0 ? at : 1; from < n;) {
-        // An "F" is rare in mail, so memchr for it runs at memory speed.
-        const void *hit = std::memchr(b + from, 'F', static_cast<size_t>(n - from));
-        if (!hit)
+    for (PB_INT from = at > 0 ? at - 1 : 0;;) {
+        const PB_INT lf = nextLineStartingWithF(b, n, from);
+        if (lf == n)
             return false;
-        const PB_INT lf = static_cast<const PB_BYTE *>(hit) - b - 1;
-        if (b[lf] != '\n' || !startsWithFrom(b, n, lf + 1)) {
-            from = lf + 2;
+        if (!startsWithFrom(b, n, lf + 1)) {
+            from = lf + 1;
             continue;
         }
         const PB_INT empty = lf >= 1 && b[lf - 1] == '\n'                        ? lf
@@ -148,9 +168,8 @@ bool nextFromLine(const PB_BYTE *b, PB_INT n, PB_INT at, PB_INT &sep, PB_INT &li
             line = lf + 1;
             return true;
         }
-        from = lf + 2;
+        from = lf + 1;
     }
-    return false;
 }
 
 // Where the message starts that follows the "From " line at b[line], and
@@ -192,8 +211,9 @@ std::vector<Ref<PB_BUFFER>> mboxMessages(PB_BUFFER *content)
     }
 }
 
-MboxReader::MboxReader(const std::string &path)
-    : fd_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)), path_(path)
+MboxReader::MboxReader(const std::string &path, size_t step)
+    : fd_(path == "-" ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC)), path_(path), step_(step),
+      block_(newBlock(0))
 {
     if (fd_ < 0)
         throw InputError{"cannot open " + path + ": " + std::strerror(errno)};
@@ -205,41 +225,80 @@ MboxReader::~MboxReader()
         close(fd_);
 }
 
+std::shared_ptr<MboxBlock> MboxReader::newBlock(size_t capacity)
+{
+    constexpr size_t kSpares = 4;
+    std::unique_ptr<MboxBlock> block;
+    {
+        std::lock_guard<std::mutex> lock(spares_->mutex);
+        auto &spare = spares_->blocks;
+        auto fits = std::find_if(spare.begin(), spare.end(), [&](const auto &b) { return b->capacity >= capacity; });
+        if (fits != spare.end()) {
+            block = std::move(*fits);
+            spare.erase(fits);
+        }
+    }
+    if (!block) { // blocks of one size at least, so that spares fit
+        block = std::make_unique<MboxBlock>();
+        block->capacity = std::max(capacity, 4 * step_);
+        block->bytes = std::make_unique_for_overwrite<PB_BYTE[]>(block->capacity);
+    }
+    block->size = 0;
+    // The last message to leave the block hands it back.
+    return std::shared_ptr<MboxBlock>(block.release(), [spares = spares_](MboxBlock *left) {
+        std::unique_ptr<MboxBlock> owned(left);
+        std::lock_guard<std::mutex> lock(spares->mutex);
+        if (spares->blocks.size() < kSpares)
+            spares->blocks.push_back(std::move(owned));
+    });
+}
+
 bool MboxReader::readMore()
 {
-    constexpr size_t kStep = 1 << 20;
-    // The bytes before the current message are done with: move the rest to the
-    // front, so that the buffer is reused and grows only for a larger message.
-    buffer_.erase(buffer_.begin(), buffer_.begin() + static_cast<ptrdiff_t>(start_));
-    start_ = 0;
-    const size_t had = buffer_.size();
-    buffer_.resize(had + kStep);
+    // Bytes that a message was handed out of stay where they are (a worker
+    // may be reading them): when the block is full, the current message's
+    // bytes go into a new one, twice their size so that a long message is
+    // copied a bounded number of times.
+    if (block_->capacity - block_->size < step_) {
+        const size_t left = block_->size - start_;
+        std::shared_ptr<MboxBlock> fresh = newBlock(std::max(2 * left, left + step_));
+        if (left)
+            std::memcpy(fresh->bytes.get(), block_->bytes.get() + start_, left);
+        fresh->size = left;
+        block_ = std::move(fresh);
+        start_ = 0;
+    }
     ssize_t got;
     do
-        got = read(fd_, buffer_.data() + had, kStep);
+        got = read(fd_, block_->bytes.get() + block_->size, block_->capacity - block_->size);
     while (got < 0 && errno == EINTR);
-    buffer_.resize(had + static_cast<size_t>(got > 0 ? got : 0));
     if (got < 0)
         throw InputError{"cannot read " + path_ + ": " + std::strerror(errno)};
+    block_->size += static_cast<size_t>(got);
     return got > 0;
 }
 
-bool MboxReader::next(Ref<PB_BUFFER> &message)
+bool MboxReader::handOut(StoredMessage &message, PB_INT sep, PB_INT next)
+{
+    const PB_BYTE *b = block_->bytes.get() + start_;
+    const auto [begin, end] = messageRange(b, static_cast<PB_INT>(block_->size - start_), 0, sep);
+    message = {block_, start_ + static_cast<size_t>(begin), start_ + static_cast<size_t>(end), {}};
+    start_ += static_cast<size_t>(next);
+    scanned_ = 0;
+    return true;
+}
+
+bool MboxReader::next(StoredMessage &message)
 {
     for (;;) {
-        const PB_BYTE *b = buffer_.data() + start_;
-        const PB_INT n = static_cast<PB_INT>(buffer_.size() - start_);
+        const PB_BYTE *b = block_->bytes.get() + start_;
+        const PB_INT n = static_cast<PB_INT>(block_->size - start_);
         PB_INT sep = 0, line = 0;
         // The message whose "From " line starts the unread bytes, once the next
         // one is read; the scan goes on where the last one stopped.
         const PB_INT from = std::max(scanned_, n > 0 ? nextLine(b, n, 0) : 0);
-        if (n > 0 && nextFromLine(b, n, from, sep, line)) {
-            const auto [begin, end] = messageRange(b, n, 0, sep);
-            message = Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(b + begin, end - begin));
-            start_ += static_cast<size_t>(line);
-            scanned_ = 0;
-            return true;
-        }
+        if (n > 0 && nextFromLine(b, n, from, sep, line))
+            return handOut(message, sep, line);
         // Resume at the last whole line: it may be the empty one before a "From ".
         PB_INT last = n;
         while (last > 0 && b[last - 1] != '\n')
@@ -248,25 +307,16 @@ bool MboxReader::next(Ref<PB_BUFFER> &message)
         while (resume > 0 && b[resume - 1] != '\n')
             --resume;
         scanned_ = resume;
-        if (!readMore()) {
-            const PB_BYTE *rest = buffer_.data();
-            const PB_INT left = static_cast<PB_INT>(buffer_.size());
-            if (left == 0 || !startsWithFrom(rest, left, 0))
-                return false;
-            const auto [begin, end] = messageRange(rest, left, 0, -1);
-            message = Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(rest + begin, end - begin));
-            start_ = buffer_.size();
-            return true;
-        }
+        if (!readMore()) // the last message ends with the file
+            return n > 0 && startsWithFrom(block_->bytes.get() + start_, n, 0) && handOut(message, -1, n);
     }
 }
 
-Ref<PB_BUFFER> mboxUnquoted(PB_BUFFER *message)
+Ref<PB_BUFFER> messageBytes(const StoredMessage &message)
 {
-    Ref<PB_BUFFER> out = unquoted(pbBufferBacking(message), 0, pbBufferLength(message));
-    if (pbBufferLength(out.get()) == pbBufferLength(message)) // nothing was quoted
-        out.reset(pbBufferRetain(message));
-    return out;
+    if (!message.block)
+        return Ref<PB_BUFFER>(pbBufferRetain(message.file.get()));
+    return unquoted(message.block->bytes.get(), static_cast<PB_INT>(message.begin), static_cast<PB_INT>(message.end));
 }
 
 std::vector<std::string> maildirFiles(const std::string &dir)
@@ -282,13 +332,12 @@ Mailbox openMailbox(const std::string &path)
     if (isMaildir(path)) {
         auto files = std::make_shared<std::vector<std::string>>(maildirFiles(path));
         auto index = std::make_shared<size_t>(0);
-        return {[files, index](Ref<PB_BUFFER> &message) {
-                    if (*index == files->size())
-                        return false;
-                    message = readFile((*files)[(*index)++]);
-                    return true;
-                },
-                false};
+        return {[files, index](StoredMessage &message) {
+            if (*index == files->size())
+                return false;
+            message = {{}, 0, 0, readFile((*files)[(*index)++])};
+            return true;
+        }};
     }
     char head[5] = {};
     const int fd = path == "-" ? -1 : open(path.c_str(), O_RDONLY | O_CLOEXEC);
@@ -298,7 +347,7 @@ Mailbox openMailbox(const std::string &path)
     if (!mbox)
         return {};
     auto reader = std::make_shared<MboxReader>(path);
-    return {[reader](Ref<PB_BUFFER> &message) { return reader->next(message); }, true};
+    return {[reader](StoredMessage &message) { return reader->next(message); }};
 }
 
 void Tally::add(const Part &message, PB_INT size)
@@ -344,12 +393,13 @@ struct Done {
 
 Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, const Part &)> &work)
 {
-    const std::function<bool(Ref<PB_BUFFER> &)> &next = mailbox.next;
+    const std::function<bool(StoredMessage &)> &next = mailbox.next;
     const bool progress = isatty(STDERR_FILENO);
     const unsigned workers = std::max(1u, std::thread::hardware_concurrency());
     const size_t window = kBatchPerCore * workers; // messages ahead of the one written next
     std::mutex mutex;
-    std::condition_variable changed;
+    std::condition_variable room;  // for the workers: the window has room, or the run ends
+    std::condition_variable ready; // for the writer: the next output is done, or all are
     size_t taken = 0, written = 0;
     bool exhausted = false, stopped = false;
     std::map<size_t, Done> done;
@@ -359,30 +409,31 @@ Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, con
     auto worker = [&] {
         Ref<MIME_OPTIONS> options = defaultOptions();
         for (;;) {
-            std::vector<Ref<PB_BUFFER>> messages;
+            std::vector<StoredMessage> messages;
             size_t first;
             {
                 std::unique_lock<std::mutex> lock(mutex);
-                changed.wait(lock, [&] { return stopped || exhausted || taken - written < window; });
+                room.wait(lock, [&] { return stopped || exhausted || taken - written < window; });
                 if (stopped || exhausted)
                     return;
                 first = taken;
-                for (Ref<PB_BUFFER> message; messages.size() < kTake && next(message);)
+                for (StoredMessage message; messages.size() < kTake && next(message);)
                     messages.push_back(std::move(message));
                 taken += messages.size();
                 exhausted = messages.size() < kTake;
+                if (exhausted)
+                    room.notify_all(); // the other workers stop too
                 if (messages.empty()) {
-                    changed.notify_all();
+                    ready.notify_one();
                     return;
                 }
             }
             std::vector<Done> results(messages.size());
             for (size_t k = 0; k < messages.size(); ++k) {
-                if (mailbox.quoted)
-                    messages[k] = mboxUnquoted(messages[k].get());
-                Part tree = readMail(messages[k].get(), options.get(), std::to_string(first + k + 1) + ":");
+                const Ref<PB_BUFFER> bytes = messageBytes(std::exchange(messages[k], {}));
+                Part tree = readMail(bytes.get(), options.get(), std::to_string(first + k + 1) + ":");
                 dropBareLineEnds(tree);
-                results[k].tally.add(tree, pbBufferLength(messages[k].get()));
+                results[k].tally.add(tree, pbBufferLength(bytes.get()));
                 try {
                     results[k].output = work(first + k, tree);
                 } catch (const InputError &error) {
@@ -392,7 +443,8 @@ Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, con
             std::lock_guard<std::mutex> lock(mutex);
             for (size_t k = 0; k < results.size(); ++k)
                 done.emplace(first + k, std::move(results[k]));
-            changed.notify_all();
+            if (first == written || exhausted)
+                ready.notify_one();
         }
     };
     std::vector<std::thread> threads;
@@ -404,7 +456,7 @@ Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, con
         Done result;
         {
             std::unique_lock<std::mutex> lock(mutex);
-            changed.wait(lock, [&] { return done.count(written) || (exhausted && written == taken); });
+            ready.wait(lock, [&] { return done.count(written) || (exhausted && written == taken); });
             if (!done.count(written))
                 break;
             result = std::move(done[written]);
@@ -418,15 +470,15 @@ Tally readMailbox(const Mailbox &mailbox, const std::function<Output(size_t, con
         writeOut(result.output.text);
         tally.merge(result.tally);
         std::lock_guard<std::mutex> lock(mutex);
-        if (++written % kTake == 0 || written == taken)
-            changed.notify_all();
+        if (++written % kTake == 0)
+            room.notify_all();
         if (progress && written % 64 == 0)
             std::fprintf(stderr, "\rmimetool: %zu messages", written);
     }
     {
         std::lock_guard<std::mutex> lock(mutex);
         stopped = true;
-        changed.notify_all();
+        room.notify_all();
     }
     for (std::thread &t : threads)
         t.join();

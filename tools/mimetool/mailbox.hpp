@@ -7,6 +7,7 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -21,31 +22,63 @@ bool isMbox(PB_BUFFER *content);
 // the start of the file or after an empty line; the empty line before the next
 // "From " line ends it; ">From " lines (any number of ">") lose one ">".
 std::vector<Ref<PB_BUFFER>> mboxMessages(PB_BUFFER *content);
-// The messages of an mbox file read as they come: memory holds one message
-// and what is read ahead of it, never the whole mailbox.
+// Bytes read ahead from an mbox file: the first size of capacity are read.
+struct MboxBlock {
+    std::unique_ptr<PB_BYTE[]> bytes;
+    size_t size = 0, capacity = 0;
+};
+
+// A message as a mailbox holds it. Its bytes are made (messageBytes) by the
+// worker that reads it, so that the mailbox's reader only finds where messages
+// are.
+struct StoredMessage {
+    // An mbox message: bytes [begin, end) of a read-ahead block that the reader
+    // no longer changes, ">From " lines still quoted.
+    std::shared_ptr<const MboxBlock> block;
+    size_t begin = 0, end = 0;
+    Ref<PB_BUFFER> file; // a Maildir message: the file's bytes
+};
+// The message's bytes, ">From " quotes undone for an mbox message.
+Ref<PB_BUFFER> messageBytes(const StoredMessage &message);
+
+// The messages of an mbox file read as they come: memory holds the read-ahead
+// blocks of the messages not yet made into buffers, never the whole mailbox.
 class MboxReader {
 public:
-    explicit MboxReader(const std::string &path); // "-": standard input
+    // path "-": standard input; step: bytes read at a time.
+    explicit MboxReader(const std::string &path, size_t step = 256 << 10);
     ~MboxReader();
     MboxReader(const MboxReader &) = delete;
     MboxReader &operator=(const MboxReader &) = delete;
 
-    // The next message as it stands in the file (">From " lines still
-    // quoted: mboxUnquoted undoes that); false at the end.
-    bool next(Ref<PB_BUFFER> &message);
+    // The next message; false at the end.
+    bool next(StoredMessage &message);
 
 private:
     bool readMore();
+    // A block of at least capacity bytes, a spare one where it fits.
+    std::shared_ptr<MboxBlock> newBlock(size_t capacity);
+    // Hands out the message at start_, which ends at sep (messageRange), and
+    // moves on to the next one's "From " line at start_ + next.
+    bool handOut(StoredMessage &message, PB_INT sep, PB_INT next);
 
     int fd_;
     std::string path_;
-    std::vector<PB_BYTE> buffer_; // read ahead; the current message's "From " line at start_
+    size_t step_;
+    // Blocks that every message has left, kept for reuse (a few): fresh
+    // memory costs the kernel's page faults.
+    struct Spares {
+        std::mutex mutex;
+        std::vector<std::unique_ptr<MboxBlock>> blocks;
+    };
+    std::shared_ptr<Spares> spares_ = std::make_shared<Spares>();
+    // The read-ahead; the current message's "From " line at start_. A block
+    // that messages were handed out of is never written again: more bytes go
+    // into a new one.
+    std::shared_ptr<MboxBlock> block_;
     size_t start_ = 0;
     PB_INT scanned_ = 0; // where the search for the next one goes on, from start_
 };
-
-// message with one ">" taken from each line that is ">"s and "From ".
-Ref<PB_BUFFER> mboxUnquoted(PB_BUFFER *message);
 
 // The message files of a Maildir folder: cur/ then new/, each by name.
 std::vector<std::string> maildirFiles(const std::string &dir);
@@ -60,11 +93,9 @@ struct Tally {
     std::string line() const;
 };
 
-// A mailbox's messages, one after another (false at the end); quoted: they
-// are an mbox file's, ">From " lines still quoted.
+// A mailbox's messages, one after another (false at the end).
 struct Mailbox {
-    std::function<bool(Ref<PB_BUFFER> &)> next;
-    bool quoted = false;
+    std::function<bool(StoredMessage &)> next;
     explicit operator bool() const { return static_cast<bool>(next); }
 };
 
@@ -78,7 +109,7 @@ struct Output {
     std::string text, warnings, failure;
 };
 
-// Reads the messages of mailbox on every core (unquoted there too),
+// Reads the messages of mailbox on every core (their bytes made there too),
 // as mail readers read them (numbered "i+1:1.2"), and runs work(i, message) on
 // each tree there too; their outputs are written in the order of the
 // messages, at most a window of them ahead, so that memory holds a window of
