@@ -18,6 +18,11 @@ install(TARGETS corvane-mime EXPORT corvaneTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   PUBLIC_HEADER DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvane/mime)
 
+# The header-only C++ interface beside the C headers.
+install(FILES ${PROJECT_SOURCE_DIR}/source/mime/mime.hpp DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvane/mime)
+install(DIRECTORY ${PROJECT_SOURCE_DIR}/source/mime/cpp/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/corvane/mime/cpp
+  FILES_MATCHING PATTERN "*.hpp")
+
 install(EXPORT corvaneTargets NAMESPACE corvane:: DESTINATION ${CORVANE_INSTALL_CMAKEDIR})
 configure_package_config_file(${CMAKE_CURRENT_LIST_DIR}/corvaneConfig.cmake.in
   ${PROJECT_BINARY_DIR}/corvaneConfig.cmake INSTALL_DESTINATION ${CORVANE_INSTALL_CMAKEDIR})

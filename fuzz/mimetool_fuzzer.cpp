@@ -43,7 +43,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
 {
     return fuzz::run(data, size, [](const uint8_t *d, size_t n) {
         using namespace mimetool;
-        Ref<PB_BUFFER> content(pbBufferCreateFromBytesCopy(d, static_cast<PB_INT>(n)));
+        Ref<PB_BUFFER> content = adopt(pbBufferCreateFromBytesCopy(d, static_cast<PB_INT>(n)));
         content = withWireLineEnds(std::move(content));
         Ref<MIME_OPTIONS> options = defaultOptions();
         try {
@@ -55,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
             PB_ASSERT_MSG("one line naming the part", error.message.compare(0, 6, "part 1") == 0 &&
                                                             error.message.find('\n') == std::string::npos);
         }
-        Ref<PB_BUFFER> raw(pbBufferCreateFromBytesCopy(d, static_cast<PB_INT>(n)));
+        Ref<PB_BUFFER> raw = adopt(pbBufferCreateFromBytesCopy(d, static_cast<PB_INT>(n)));
         const Part mail = readMail(raw.get(), options.get());
         PB_ASSERT_MSG("the tree of any bytes", treeText(mail).compare(0, 2, "1 ") == 0);
         const std::vector<Ref<PB_BUFFER>> messages = mboxMessages(raw.get());

@@ -18,6 +18,7 @@
 #include <mime/mime_entity.h>
 #include <mime/mime_entity_parse.h>
 #include <mime/mime_flags.h>
+#include <mime/mime_header_value.h>
 #include <mime/mime_message.h>
 #include <mime/mime_module.h>
 #include <mime/mime_multipart.h>

@@ -52,6 +52,7 @@ constexpr std::array<CodeInfo, MIME_DEFECT_CODE_COUNT> kCodes = {{
     {"limit-exceeded", "the {} limit is reached (the rest is kept undecoded)"},
     {"delimiter-repeated", "delimiter lines --{} follow each other (no part between them)"},
     {"parameters-malformed", "the parameters cannot be read to their end (read at each ; instead)"},
+    {"header-value-unsafe", "the value holds {}: written as it stands, it would not stay in its header field"},
 }};
 
 PB_STRING *utf8String(std::string_view text)

@@ -75,8 +75,12 @@ typedef PB_INT MIME_DEFECT_CODE;
 /** A parameter list that RFC 2045's grammar cannot read to its end (the
  * tolerant reader splits it at each ";" outside quotes). */
 #define MIME_DEFECT_PARAMETERS_MALFORMED ((MIME_DEFECT_CODE)21)
+/** A header value to be written holds a line break that is no fold, or
+ * another control character (mimeHeaderValueCheck): written as it stands, it
+ * would end its field or reach the wire as it is. */
+#define MIME_DEFECT_HEADER_VALUE_UNSAFE ((MIME_DEFECT_CODE)22)
 /** The number of codes: every code lies in 0 .. MIME_DEFECT_CODE_COUNT - 1. */
-#define MIME_DEFECT_CODE_COUNT 22
+#define MIME_DEFECT_CODE_COUNT 23
 
 /** The sort record of MIME_DEFECT. */
 MIME_API const PB_SORT *mimeDefectSort(void) PB_NOEXCEPT;

@@ -261,6 +261,16 @@ class Pack(ToolTest):
             with open(os.path.join(self.path("out"), name), "rb") as f:
                 self.assertEqual(f.read(), data, name)
 
+    def test_values_that_would_leave_their_header_field_are_refused(self):
+        injected = self.write("a\r\nBcc: x@example.com.txt", b"x")
+        plain = self.write("plain.txt", b"x")
+        for args in [("--attach", injected), ("-t", 'multipart/mixed; x="a\nBcc: y"', plain)]:
+            with self.subTest(args):
+                status, out, err = run("pack", *(args if args[0] == "-t" else ("-t", "multipart/mixed", *args)))
+                self.assertEqual((status, out), (1, ""))
+                self.assertRegex(err, r"^mimetool pack: .*\\x0ABcc.*: character \d+ of its header value: "
+                                      r"the value holds a line break that is no fold")
+
     def test_usage_errors_exit_2_with_the_usage_text(self):
         existing = self.write("f.txt", b"x")
         cases = [

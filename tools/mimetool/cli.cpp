@@ -60,7 +60,7 @@ std::vector<std::string> Args::operands() const
 
 Ref<MIME_OPTIONS> defaultOptions()
 {
-    return Ref<MIME_OPTIONS>(mimeOptionsCreate());
+    return adopt(mimeOptionsCreate());
 }
 
 } // namespace mimetool

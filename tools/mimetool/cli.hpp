@@ -3,7 +3,7 @@
 // with status 1 and one line naming what failed and where).
 #pragma once
 
-#include "ref.hpp"
+#include "library.hpp"
 
 #include <optional>
 #include <string>

@@ -53,7 +53,7 @@ bool isSafeFilename(PB_STRING *name)
             (chars[i] >= 0xD800 && chars[i] <= 0xDFFF))
             return false;
     }
-    return utf8(name).size() <= kMaxFilenameBytes;
+    return mime::toUtf8(name).size() <= kMaxFilenameBytes;
 }
 
 // part-1.2.bin (the part number within its message: a mailbox's folder is the message's).
@@ -72,7 +72,7 @@ std::vector<Target> chooseNames(const std::vector<const Part *> &leaves)
     std::vector<Target> targets;
     for (const Part *leaf : leaves) {
         Ref<PB_STRING> suggested = suggestedFilename(*leaf);
-        std::string name = suggested && isSafeFilename(suggested.get()) ? utf8(suggested.get()) : "";
+        std::string name = suggested && isSafeFilename(suggested.get()) ? mime::toUtf8(suggested.get()) : "";
         if (name.empty() || !taken.insert(name).second)
             name = fallbackName(*leaf);
         targets.push_back({leaf, name, ""});

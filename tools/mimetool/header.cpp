@@ -22,7 +22,7 @@ std::string parameterLines(PB_DICT *parameters)
 std::string wireLines(const char *field, PB_STRING *value)
 {
     std::string out = std::string("wire: ") + field + ": ";
-    for (const char c : utf8(value)) {
+    for (const char c : mime::toUtf8(value)) {
         if (c != '\r')
             out += c;
     }
@@ -39,12 +39,12 @@ std::string wireLines(const char *field, PB_STRING *value)
 std::string contentType(PB_STRING *value, MIME_OPTIONS *options)
 {
     Ref<MIME_DEFECT> defect;
-    Ref<MIME_CONTENT_TYPE> type(mimeContentTypeTryDecodeWithDefect(value, options, defect.receive()));
+    Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeTryDecodeWithDefect(value, options, defect.receive()));
     if (!type)
         refused("Content-Type", value, defect.get());
-    Ref<PB_STRING> name(mimeContentTypeName(type.get()));
-    Ref<PB_STRING> written(mimeContentTypeNameToWireFormat(name.get()));
-    Ref<PB_STRING> wire(mimeContentTypeEncode(type.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
+    Ref<PB_STRING> name = adopt(mimeContentTypeName(type.get()));
+    Ref<PB_STRING> written = adopt(mimeContentTypeNameToWireFormat(name.get()));
+    Ref<PB_STRING> wire = adopt(mimeContentTypeEncode(type.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
     return "type: " + shown(written.get()) + "\n" + parameterLines(mimeContentTypeParametersDict(type.get())) +
            wireLines("Content-Type", wire.get());
 }
@@ -52,13 +52,13 @@ std::string contentType(PB_STRING *value, MIME_OPTIONS *options)
 std::string contentDisposition(PB_STRING *value, MIME_OPTIONS *options)
 {
     Ref<MIME_DEFECT> defect;
-    Ref<MIME_CONTENT_DISPOSITION> disposition(
-        mimeContentDispositionTryDecodeWithDefect(value, options, defect.receive()));
+    Ref<MIME_CONTENT_DISPOSITION> disposition =
+        adopt(mimeContentDispositionTryDecodeWithDefect(value, options, defect.receive()));
     if (!disposition)
         refused("Content-Disposition", value, defect.get());
-    Ref<PB_STRING> type(mimeContentDispositionType(disposition.get()));
-    Ref<PB_STRING> wire(
-        mimeContentDispositionEncode(disposition.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION));
+    Ref<PB_STRING> type = adopt(mimeContentDispositionType(disposition.get()));
+    Ref<PB_STRING> wire =
+        adopt(mimeContentDispositionEncode(disposition.get(), options, MIME_FIRST_LINE_OFFSET_CONTENT_DISPOSITION));
     return "type: " + shown(type.get()) + "\n" +
            parameterLines(mimeContentDispositionParametersDict(disposition.get())) +
            wireLines("Content-Disposition", wire.get());
@@ -67,10 +67,10 @@ std::string contentDisposition(PB_STRING *value, MIME_OPTIONS *options)
 std::string contentId(PB_STRING *value, MIME_OPTIONS *)
 {
     Ref<MIME_DEFECT> defect;
-    Ref<PB_STRING> id(mimeContentIdTryDecodeWithDefect(value, defect.receive()));
+    Ref<PB_STRING> id = adopt(mimeContentIdTryDecodeWithDefect(value, defect.receive()));
     if (!id)
         refused("Content-Id", value, defect.get());
-    Ref<PB_STRING> wire(mimeContentIdEncode(id.get()));
+    Ref<PB_STRING> wire = adopt(mimeContentIdEncode(id.get()));
     return "id: " + shown(id.get()) + "\n" + wireLines("Content-Id", wire.get());
 }
 
@@ -79,10 +79,10 @@ std::string contentTransferEncoding(PB_STRING *value, MIME_OPTIONS *options)
     const MIME_CONTENT_TRANSFER_ENCODING encoding = mimeContentTransferEncodingTryDecode(value, options);
     if (encoding < 0)
         refused("Content-Transfer-Encoding", value);
-    Ref<PB_STRING> name(mimeContentTransferEncodingToString(encoding));
-    Ref<PB_STRING> wire(
-        mimeContentTransferEncodingEncode(encoding, options, MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING));
-    return "encoding: " + utf8(name.get()) + "\n" + wireLines("Content-Transfer-Encoding", wire.get());
+    Ref<PB_STRING> name = adopt(mimeContentTransferEncodingToString(encoding));
+    Ref<PB_STRING> wire =
+        adopt(mimeContentTransferEncodingEncode(encoding, options, MIME_FIRST_LINE_OFFSET_CONTENT_TRANSFER_ENCODING));
+    return "encoding: " + mime::toUtf8(name.get()) + "\n" + wireLines("Content-Transfer-Encoding", wire.get());
 }
 
 struct Field {
@@ -140,10 +140,10 @@ int runHeader(Args &args)
     const std::vector<std::string> operands = args.operands();
     if (operands.size() != 2)
         throw UsageError{"header takes a field name and a value"};
-    Ref<PB_STRING> name = stringOf(operands[0]);
+    Ref<PB_STRING> name = mime::makeString(operands[0]);
     for (const Field &field : kFields) {
         if (pbStringEqualsCaseFoldCstr(name.get(), field.name, -1)) {
-            Ref<PB_STRING> value = stringOf(operands[1]);
+            Ref<PB_STRING> value = mime::makeString(operands[1]);
             writeOut(field.describe(value.get(), options.get()));
             return 0;
         }

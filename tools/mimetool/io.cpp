@@ -26,7 +26,7 @@ Ref<PB_BUFFER> readFile(const std::string &path)
     const int fd = standardInput ? STDIN_FILENO : open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
         failed("cannot open " + path);
-    Ref<PB_BUFFER> content(pbBufferCreate());
+    Ref<PB_BUFFER> content = adopt(pbBufferCreate());
     for (;;) {
         PB_BYTE *space = pbBufferAppendSpace(content.address(), kReadStep);
         const ssize_t got = read(fd, space, kReadStep);
@@ -52,7 +52,7 @@ Ref<PB_BUFFER> withWireLineEnds(Ref<PB_BUFFER> content)
     const PB_INT length = pbBufferLength(content.get());
     if (length == 0 || std::memchr(bytes, '\r', static_cast<size_t>(length)) != nullptr)
         return content;
-    Ref<PB_BUFFER> converted(pbBufferCreate());
+    Ref<PB_BUFFER> converted = adopt(pbBufferCreate());
     PB_INT start = 0;
     for (;;) {
         const void *lf = std::memchr(bytes + start, '\n', static_cast<size_t>(length - start));

@@ -1,7 +1,7 @@
 // Reading the tool's input and writing its output.
 #pragma once
 
-#include "ref.hpp"
+#include "library.hpp"
 
 #include <string>
 #include <string_view>

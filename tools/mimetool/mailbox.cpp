@@ -41,7 +41,7 @@ PB_INT nextLine(const PB_BYTE *b, PB_INT n, PB_INT at)
 // ">"s and "From ".
 Ref<PB_BUFFER> unquoted(const PB_BYTE *b, PB_INT from, PB_INT to)
 {
-    Ref<PB_BUFFER> out(pbBufferCreate());
+    Ref<PB_BUFFER> out = adopt(pbBufferCreate());
     PB_INT copied = from;
     // Each ">" found at once (memchr: outside quoted replies it is rare in
     // mail), then: does its line start with ">"s and "From "?
@@ -315,7 +315,7 @@ bool MboxReader::next(StoredMessage &message)
 Ref<PB_BUFFER> messageBytes(const StoredMessage &message)
 {
     if (!message.block)
-        return Ref<PB_BUFFER>(pbBufferRetain(message.file.get()));
+        return adopt(pbBufferRetain(message.file.get()));
     return unquoted(message.block->bytes.get(), static_cast<PB_INT>(message.begin), static_cast<PB_INT>(message.end));
 }
 

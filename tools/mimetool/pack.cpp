@@ -29,7 +29,7 @@ constexpr std::array<Extension, 19> kExtensions = {{
 
 const char *guessedMediaType(const std::string &path)
 {
-    Ref<PB_STRING> name = stringOf(path);
+    Ref<PB_STRING> name = mime::makeString(path);
     for (const Extension &extension : kExtensions) {
         if (path.size() > extension.suffix.size() && endsWith(name.get(), extension.suffix))
             return extension.mediaType;
@@ -43,12 +43,12 @@ bool isFile(const std::string &path)
     return stat(path.c_str(), &status) == 0 && !S_ISDIR(status.st_mode);
 }
 
-Ref<MIME_CONTENT_TYPE> mediaType(const std::string &text, MIME_OPTIONS *options)
+mime::ContentType mediaType(const std::string &text, const mime::Options &options)
 {
-    Ref<MIME_CONTENT_TYPE> type(mimeContentTypeTryDecodeCstr(text.c_str(), static_cast<PB_INT>(text.size()), options));
+    mime::Result<mime::ContentType> type = mime::ContentType::decode(text, options);
     if (!type)
         throw UsageError{'"' + text + "\" is not a media type"};
-    return type;
+    return *type;
 }
 
 std::string baseName(const std::string &path)
@@ -70,18 +70,28 @@ std::pair<std::string, std::string> splitOperand(const std::string &operand)
     throw InputError{"cannot open " + operand.substr(0, operand.find('=')) + ": no such file"};
 }
 
-Ref<MIME_ENTITY> encodedPart(const std::string &operand, bool attach, MIME_OPTIONS *options)
+// A header value refused because it would not stay in its field: what gave
+// it (escaped for the terminal), where and why.
+[[noreturn]] void refuse(const std::string &what, const mime::Defect &defect)
+{
+    throw InputError{shown(mime::makeString(what).get()) + ": character " + std::to_string(defect.offset()) +
+                     " of its header value: " + defect.text()};
+}
+
+mime::Entity encodedPart(const std::string &operand, bool attach, const mime::Options &options)
 {
     const auto [path, given] = splitOperand(operand);
-    Ref<MIME_CONTENT_TYPE> type = mediaType(given.empty() ? guessedMediaType(path) : given, options);
-    Ref<MIME_CONTENT_DISPOSITION> disposition;
+    std::optional<mime::ContentDisposition> disposition;
     if (attach) {
-        disposition.reset(mimeContentDispositionCreateCstr("attachment", -1));
-        Ref<PB_STRING> name = stringOf(baseName(path));
-        mimeContentDispositionSetParameterCstr(disposition.address(), "filename", -1, name.get());
+        disposition.emplace("attachment");
+        disposition->setParameter("filename", baseName(path));
     }
-    Ref<PB_BUFFER> body = readFile(path);
-    return Ref<MIME_ENTITY>(mimeEncode(options, body.get(), type.get(), disposition.get(), nullptr));
+    mime::Result<mime::Entity> part =
+        mime::encode(options, mime::Buffer::adopt(readFile(path).release()),
+                     mediaType(given.empty() ? guessedMediaType(path) : given, options), disposition);
+    if (!part)
+        refuse(path, part.defect());
+    return *part;
 }
 
 } // namespace
@@ -113,28 +123,26 @@ int runPack(Args &args)
         throw UsageError{"pack needs -t TYPE"};
     if (operands.empty())
         throw UsageError{"pack needs at least one file"};
-    Ref<MIME_OPTIONS> options = defaultOptions();
-    Ref<MIME_CONTENT_TYPE> type = mediaType(*typeText, options.get());
-    Ref<PB_STRING> name(mimeContentTypeName(type.get()));
-    if (!startsWith(name.get(), "multipart/"))
+    const mime::Options options;
+    mime::ContentType type = mediaType(*typeText, options);
+    if (type.name().compare(0, 10, "multipart/") != 0)
         throw UsageError{"-t " + *typeText + " is not a multipart type"};
     if (boundary) {
         if (!mimeMultipartBoundaryOkCstr(boundary->c_str(), static_cast<PB_INT>(boundary->size())))
             throw UsageError{"--boundary " + *boundary + " is not a valid boundary (1 to 70 characters of RFC 2046)"};
-        mimeContentTypeSetParameterCstrCstrValue(type.address(), "boundary", -1, boundary->c_str(),
-                                                 static_cast<PB_INT>(boundary->size()));
+        type.setParameter("boundary", *boundary);
     }
-    Ref<PB_VECTOR> parts(pbVectorCreate());
-    for (const std::string &operand : operands) {
-        Ref<MIME_ENTITY> part = encodedPart(operand, attach, options.get());
-        pbVectorAppendObj(parts.address(), mimeEntityObj(part.get()));
-    }
-    Ref<PB_BUFFER> body(mimeMultipartTryPack(type.address(), parts.get(), options.get()));
+    std::vector<mime::Entity> parts;
+    for (const std::string &operand : operands)
+        parts.push_back(encodedPart(operand, attach, options));
+    std::optional<mime::Buffer> body = mime::pack(type, parts, options);
     if (!body)
         throw InputError{"no boundary could be found that the parts do not hold"};
-    Ref<PB_STRING> header(mimeContentTypeEncode(type.get(), options.get(), MIME_FIRST_LINE_OFFSET_CONTENT_TYPE));
-    writeOut("MIME-Version: 1.0\r\nContent-Type: " + utf8(header.get()) + "\r\n\r\n");
-    writeOut(body.get());
+    const std::string header = type.encode(options);
+    if (mime::Result<void> check = mime::checkHeaderValue(header); !check)
+        refuse("-t " + *typeText, check.defect());
+    writeOut("MIME-Version: 1.0\r\nContent-Type: " + header + "\r\n\r\n");
+    writeOut(body->get());
     return 0;
 }
 

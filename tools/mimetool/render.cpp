@@ -32,7 +32,7 @@ void printText(const Part &part, int depth, std::string &out)
     for (const auto &[field, value] : part.headings)
         out += detail + field + ": " + shown(value.get()) + "\n";
     if (part.disposition) {
-        Ref<PB_STRING> type(mimeContentDispositionType(part.disposition.get()));
+        Ref<PB_STRING> type = adopt(mimeContentDispositionType(part.disposition.get()));
         out += detail +
                "disposition: " + labelled(type.get(), mimeContentDispositionParametersDict(part.disposition.get())) +
                "\n";
@@ -41,8 +41,8 @@ void printText(const Part &part, int depth, std::string &out)
         out += detail + "content-id: " + shown(part.contentId.get()) + "\n";
     std::string encoding;
     if (part.encoding >= 0) {
-        Ref<PB_STRING> text(mimeContentTransferEncodingToString(part.encoding));
-        encoding = utf8(text.get()) + ", ";
+        Ref<PB_STRING> text = adopt(mimeContentTransferEncodingToString(part.encoding));
+        encoding = mime::toUtf8(text.get()) + ", ";
     }
     out += detail + encoding + sizeText(part) + "\n";
     if (Ref<PB_STRING> line = firstLine(part); line)
@@ -85,7 +85,7 @@ void printJson(const Part &part, int depth, std::string &out)
            ",\n";
     std::string disposition = "null";
     if (part.disposition) {
-        Ref<PB_STRING> type(mimeContentDispositionType(part.disposition.get()));
+        Ref<PB_STRING> type = adopt(mimeContentDispositionType(part.disposition.get()));
         disposition = "{\"type\": " + jsonString(type.get()) + ", \"parameters\": " +
                       jsonParameters(mimeContentDispositionParametersDict(part.disposition.get())) + "}";
     }
@@ -93,7 +93,7 @@ void printJson(const Part &part, int depth, std::string &out)
     Ref<PB_STRING> filename = suggestedFilename(part);
     out += field + "\"filename\": " + jsonOrNull(filename.get()) + ",\n";
     out += field + "\"contentId\": " + jsonOrNull(part.contentId.get()) + ",\n";
-    Ref<PB_STRING> encoding(part.encoding >= 0 ? mimeContentTransferEncodingToString(part.encoding) : nullptr);
+    Ref<PB_STRING> encoding = adopt(part.encoding >= 0 ? mimeContentTransferEncodingToString(part.encoding) : nullptr);
     out += field + "\"transferEncoding\": " + jsonOrNull(encoding.get()) + ",\n";
     out += field + "\"size\": " + (part.body ? std::to_string(pbBufferLength(part.body.get())) : "null") + ",\n";
     out += field + "\"encodedSize\": " + (part.encodedSize >= 0 ? std::to_string(part.encodedSize) : "null") + ",\n";

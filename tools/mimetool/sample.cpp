@@ -7,7 +7,7 @@ namespace mimetool {
 
 Ref<PB_BUFFER> sampleMessage()
 {
-    return Ref<PB_BUFFER>(pbBufferCreateFromBytesCopy(mimetool_sample, sizeof mimetool_sample));
+    return adopt(pbBufferCreateFromBytesCopy(mimetool_sample, sizeof mimetool_sample));
 }
 
 } // namespace mimetool

@@ -92,20 +92,6 @@ bool isControlOrBidi(PB_CHAR c)
            c == 0x200E || c == 0x200F || c == 0x061C || c == 0x2028 || c == 0x2029;
 }
 
-std::string utf8(PB_STRING *s)
-{
-    PB_INT length = 0;
-    char *text = pbStringConvertToCstr(s, 0, &length);
-    std::string out(text, static_cast<size_t>(length));
-    pbMemFree(text);
-    return out;
-}
-
-Ref<PB_STRING> stringOf(std::string_view text)
-{
-    return Ref<PB_STRING>(pbStringCreateFromCstr(text.data(), static_cast<PB_INT>(text.size())));
-}
-
 std::string shown(PB_STRING *s)
 {
     return shownChars(s, false);
@@ -141,7 +127,7 @@ std::string jsonString(PB_STRING *s)
 
 std::string jsonString(std::string_view ascii)
 {
-    return jsonString(stringOf(ascii).get());
+    return jsonString(mime::makeString(ascii).get());
 }
 
 std::string byteCount(PB_INT count)
@@ -153,7 +139,7 @@ std::string excerpt(PB_STRING *s)
 {
     if (pbStringLength(s) <= kExcerptLength)
         return '"' + shownChars(s, true) + '"';
-    Ref<PB_STRING> leading(pbStringCreateFromLeading(s, kExcerptLength));
+    Ref<PB_STRING> leading = adopt(pbStringCreateFromLeading(s, kExcerptLength));
     return '"' + shownChars(leading.get(), true) + "...\"";
 }
 

@@ -2,17 +2,12 @@
 // UTF-8, escaped for a terminal, or as JSON string literals.
 #pragma once
 
-#include "ref.hpp"
+#include "library.hpp"
 
 #include <string>
 #include <string_view>
 
 namespace mimetool {
-
-// The UTF-8 form of s (a code point that is no Unicode scalar becomes U+FFFD).
-std::string utf8(PB_STRING *s);
-// A new string of the code points of UTF-8 text.
-Ref<PB_STRING> stringOf(std::string_view text);
 
 // Control characters (C0, DEL, C1), line and paragraph separators and the
 // bidirectional format characters: what must never reach a terminal or a file

@@ -2,7 +2,7 @@
 // `extract` writes it out.
 #pragma once
 
-#include "ref.hpp"
+#include "library.hpp"
 
 #include <string>
 #include <vector>
@@ -36,10 +36,10 @@ struct Part {
 // order; takes over the reference to parameters.
 template <class F> void forEachParameter(PB_DICT *parameters, F visit)
 {
-    Ref<PB_DICT> dict(parameters);
+    Ref<PB_DICT> dict = adopt(parameters);
     for (PB_INT i = 0; i < pbDictLength(dict.get()); i++) {
-        Ref<PB_OBJ> key(pbDictKeyAt(dict.get(), i));
-        Ref<PB_OBJ> value(pbDictValueAt(dict.get(), i));
+        Ref<PB_OBJ> key = adopt(pbDictKeyAt(dict.get(), i));
+        Ref<PB_OBJ> value = adopt(pbDictValueAt(dict.get(), i));
         visit(pbStringFrom(key.get()), pbStringFrom(value.get()));
     }
 }
