@@ -113,6 +113,30 @@ TEST(CppInterface, FailuresCarryTheirDefect)
     EXPECT_EQ(mime::ContentType("text/plain").parameter("charset"), std::nullopt);
 }
 
+// Where a value leaves its header field (-1: it stays).
+TEST(CppInterface, HeaderValueCheckFindsTheFirstCharacterThatLeavesTheField)
+{
+    const std::pair<std::string_view, PB_INT> cases[] = {
+        {"", -1},
+        {"text/plain;\r\n\tcharset=utf-8", -1},
+        {"a\tb \u00e9\u2028", -1},
+        {"a\r\n b\r\n c", -1},
+        {"a\nb", 1},
+        {"a\rb", 1},
+        {"a\r\nb", 1},
+        {"a\r\n \r\n b", 1}, // a continuation line of blanks alone
+        {"a\r\n  ", 1},
+        {"a\r\n", 1},
+        {"ok\x01", 2},
+        {"ok\x7f", 2},
+        {std::string_view("x\0", 2), 1},
+    };
+    for (const auto &[value, offset] : cases) {
+        const mime::Result<void> check = mime::checkHeaderValue(value);
+        EXPECT_EQ(check ? -1 : check.defect().offset(), offset) << value;
+    }
+}
+
 TEST(CppInterface, SettersAndEncodeRefuseValuesThatLeaveTheirField)
 {
     mime::Entity entity;
