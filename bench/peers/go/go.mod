@@ -1,0 +1,3 @@
+module peers
+
+go 1.19
