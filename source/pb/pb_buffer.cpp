@@ -4,11 +4,14 @@
 #include <pb/pb_string.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <sys/mman.h>
+#include <utility>
 
 namespace {
 
@@ -29,10 +32,13 @@ std::atomic_ref<int64_t> refsOf(Storage *st)
 // Large storage asks for huge pages where the system grants them on request:
 // filling a fresh body of many megabytes then costs a few page faults instead of
 // one per 4 KiB page, which would otherwise dominate a pass of a codec.
+// Storage of this size and more is large: it asks for huge pages and is kept
+// for reuse when freed.
+constexpr PB_INT kLarge = PB_INT{2} << 20;
+
 void adviseLarge(Storage *st, PB_INT capacity)
 {
     constexpr uintptr_t kPage = 4096;
-    constexpr PB_INT kLarge = PB_INT{2} << 20;
     if (capacity < kLarge)
         return;
     uintptr_t start = (reinterpret_cast<uintptr_t>(st->bytes()) + kPage - 1) & ~(kPage - 1);
@@ -40,19 +46,66 @@ void adviseLarge(Storage *st, PB_INT capacity)
     madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE); // advice only: failure changes nothing
 }
 
+// Freed large storage, kept for the next large buffer: a codec pass over a big
+// body then writes into memory that the kernel has already mapped and zeroed,
+// instead of faulting fresh pages in (which costs more than the coding). A few
+// blocks, 256 MiB in all at most, so that memory is returned beyond that.
+class LargeBlocks {
+public:
+    // A kept block of capacity to twice capacity bytes, or null.
+    Storage *take(PB_INT capacity) noexcept
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        Storage **best = nullptr;
+        for (Storage *&slot : slots_)
+            if (slot && slot->capacity >= capacity && slot->capacity / 2 <= capacity &&
+                (!best || slot->capacity < (*best)->capacity))
+                best = &slot;
+        if (!best)
+            return nullptr;
+        bytes_ -= (*best)->capacity;
+        return std::exchange(*best, nullptr);
+    }
+    // Whether st (unused) is kept; the caller frees it otherwise.
+    bool keep(Storage *st) noexcept
+    {
+        if (st->capacity < kLarge)
+            return false;
+        std::lock_guard<std::mutex> lock(mutex_);
+        for (Storage *&slot : slots_)
+            if (!slot && bytes_ + st->capacity <= kMaxBytes) {
+                slot = st;
+                bytes_ += st->capacity;
+                return true;
+            }
+        return false;
+    }
+
+private:
+    static constexpr PB_INT kMaxBytes = PB_INT{256} << 20;
+    std::mutex mutex_;
+    std::array<Storage *, 4> slots_{};
+    PB_INT bytes_ = 0;
+};
+
+constinit LargeBlocks largeBlocks;
+
 Storage *storageCreate(PB_INT capacity)
 {
-    auto *st = static_cast<Storage *>(std::malloc(sizeof(Storage) + static_cast<size_t>(capacity)));
-    PB_ASSERT_MSG("out of memory", st);
-    adviseLarge(st, capacity);
+    Storage *st = capacity >= kLarge ? largeBlocks.take(capacity) : nullptr;
+    if (!st) {
+        st = static_cast<Storage *>(std::malloc(sizeof(Storage) + static_cast<size_t>(capacity)));
+        PB_ASSERT_MSG("out of memory", st);
+        adviseLarge(st, capacity);
+        st->capacity = capacity;
+    }
     st->refs = 1;
-    st->capacity = capacity;
     return st;
 }
 
 void storageRelease(Storage *st)
 {
-    if (st && refsOf(st).fetch_sub(1) == 1)
+    if (st && refsOf(st).fetch_sub(1) == 1 && !largeBlocks.keep(st))
         std::free(st);
 }
 

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
 #include <random>
 #include <vector>
 
@@ -101,3 +102,26 @@ TEST(Buffer, ClearSpaceAndCompare)
 }
 
 } // namespace
+
+// Large storage is kept for reuse when freed: buffers made and dropped in
+// turns, some alive at once, each filled to its end, keep their own bytes.
+TEST(Buffer, LargeBuffersMadeAgainKeepTheirOwnBytes)
+{
+    constexpr PB_INT kMiB = PB_INT{1} << 20;
+    const PB_INT sizes[] = {3 * kMiB, 2 * kMiB, 5 * kMiB, 3 * kMiB, 8 * kMiB, 2 * kMiB, 6 * kMiB, 3 * kMiB};
+    std::vector<std::pair<Ref<PB_BUFFER>, PB_BYTE>> alive; // each with the byte it is filled with
+    for (size_t i = 0; i < std::size(sizes); ++i) {
+        Ref<PB_BUFFER> b = adopt(pbBufferCreate());
+        const auto fill = static_cast<PB_BYTE>('a' + i);
+        std::memset(pbBufferAppendSpace(b.addr(), sizes[i]), fill, static_cast<size_t>(sizes[i]));
+        alive.emplace_back(std::move(b), fill);
+        if (i % 3 == 2)
+            alive.erase(alive.begin()); // freed: kept for the next large one
+        for (const auto &[held, expected] : alive) {
+            const PB_BYTE *p = pbBufferBacking(held.get());
+            const PB_INT n = pbBufferLength(held.get());
+            EXPECT_TRUE(p[0] == expected && p[n / 2] == expected && p[n - 1] == expected)
+                << "a kept block was handed out while in use";
+        }
+    }
+}
