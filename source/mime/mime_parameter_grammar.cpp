@@ -285,19 +285,24 @@ void appendToken(PB_VECTOR **tokens, MIME_SHF_TOKEN *tok)
 void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
 {
     MIME_FLAGS flags = mimeOptionsFlags(mo);
-    Ref<PB_DICT> written = pb::retained(parameters);
-    if (flags & MIME_FLAG_GENERATE_RFC2231_HEADERS)
-        written = adopt(mime___Rfc2231Encode(parameters, mo));
-    for (PB_INT i = 0; i < pbDictLength(written.get()); ++i) {
-        Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(written.get(), i)));
-        Ref<PB_STRING> value = adopt(pbStringFrom(pbDictValueAt(written.get(), i)));
+    auto append = [&](PB_STRING *key, PB_STRING *value) {
         if (!(flags & MIME_FLAG_GENERATE_UNICODE_HEADERS) &&
-            !chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get())))
-            continue;
+            !chars::isAscii(pbStringBacking(value), pbStringLength(value)))
+            return;
         appendToken(tokens, mimeShfTokenCreateTspecial(';'));
-        appendToken(tokens, mimeShfTokenCreateRawValue(key.get()));
+        appendToken(tokens, mimeShfTokenCreateRawValue(key));
         appendToken(tokens, mimeShfTokenCreateTspecial('='));
-        appendToken(tokens, mimeShfTokenCreateTokenOrQuotedString(value.get()));
+        appendToken(tokens, mimeShfTokenCreateTokenOrQuotedString(value));
+    };
+    if (flags & MIME_FLAG_GENERATE_RFC2231_HEADERS) {
+        for (const rfc2231::Written &entry : rfc2231::encode(parameters, mo))
+            append(entry.first.get(), entry.second.get());
+        return;
+    }
+    for (PB_INT i = 0; i < pbDictLength(parameters); ++i) {
+        Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(parameters, i)));
+        Ref<PB_STRING> value = adopt(pbStringFrom(pbDictValueAt(parameters, i)));
+        append(key.get(), value.get());
     }
 }
 

@@ -414,15 +414,35 @@ Ref<PB_VECTOR> extendedSegments(PB_STRING *value, PB_CHARSET charset, PB_INT max
     return segments;
 }
 
+// Calls f(k) for k = 0 .. count - 1 in the order of their decimal forms as
+// text: 0, 1, 10, 100, 101, ..., 11, ..., 2, ...
+template <class F> void inTextOrder(PB_INT count, F f)
+{
+    if (count > 0)
+        f(PB_INT{0});
+    const PB_INT last = count - 1;
+    PB_INT k = 1;
+    for (PB_INT emitted = 1; emitted < count; ++emitted) {
+        f(k);
+        if (k <= last / 10) { // k * 10 <= last
+            k *= 10;
+            continue;
+        }
+        if (k >= last)
+            k /= 10;
+        ++k;
+        while (k % 10 == 0)
+            k /= 10;
+    }
+}
+
 } // namespace
 
-PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
+std::vector<mime::rfc2231::Written> mime::rfc2231::encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
 {
-    PB_ASSERT( source );
-    PB_ASSERT( mo );
     PB_CHARSET charset = mimeOptionsRfc2231Charset(mo);
     PB_INT maxLength = mimeOptionsRfc2231MaxSegmentLength(mo);
-    Ref<PB_DICT> result = adopt(pbDictCreate());
+    std::vector<std::vector<Written>> blocks; // each name's keys, in key order
     for (PB_INT i = 0; i < pbDictLength(source); ++i) {
         Ref<PB_STRING> name = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
         if (!mime___Rfc2231IsAttribute(pbStringBacking(name.get()), pbStringLength(name.get())))
@@ -433,14 +453,34 @@ PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
         if (!segments)
             continue;
         const char *suffix = plain ? "" : "*";
-        PB_INT count = pbVectorLength(segments.get());
-        for (PB_INT n = 0; n < count; ++n) {
+        const PB_INT count = pbVectorLength(segments.get());
+        std::vector<Written> &block = blocks.emplace_back();
+        block.reserve(static_cast<size_t>(count));
+        inTextOrder(count, [&](PB_INT n) {
             Ref<PB_STRING> key =
                 adopt(count == 1 ? pbStringCreateFromFormatCstr("%s%lc", -1, name.get(), suffix)
                                  : pbStringCreateFromFormatCstr("%s*%i%lc", -1, name.get(), n, suffix));
-            Ref<PB_OBJ> segment = adopt(pbVectorObjAt(segments.get(), n));
-            pbDictSetStringKey(result.addr(), key.get(), segment.get());
-        }
+            block.emplace_back(std::move(key), textOf(pbVectorObjAt(segments.get(), n)));
+        });
     }
+    // A name's keys are contiguous in key order (no name holds "*"), so the
+    // blocks go in the order of their first keys.
+    std::stable_sort(blocks.begin(), blocks.end(), [](const std::vector<Written> &a, const std::vector<Written> &b) {
+        return pbStringCompare(a.front().first.get(), b.front().first.get()) < 0;
+    });
+    std::vector<Written> written;
+    for (std::vector<Written> &block : blocks)
+        for (Written &entry : block)
+            written.push_back(std::move(entry));
+    return written;
+}
+
+PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
+{
+    PB_ASSERT( source );
+    PB_ASSERT( mo );
+    Ref<PB_DICT> result = adopt(pbDictCreate());
+    for (const mime::rfc2231::Written &entry : mime::rfc2231::encode(source, mo))
+        pbDictSetStringKey(result.addr(), entry.first.get(), pbStringObj(entry.second.get()));
     return result.release();
 }

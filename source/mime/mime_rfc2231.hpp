@@ -4,9 +4,14 @@
 #pragma once
 
 #include <mime/mime_defect.h>
+#include <mime/mime_options.h>
+#include <pb/pb_dict.h>
+#include <pb/pb_ref.hpp>
 #include <pb/pb_string.h>
 
 #include <cstddef>
+#include <utility>
+#include <vector>
 
 namespace mime::rfc2231 {
 
@@ -45,5 +50,15 @@ struct Tolerance {
 // key order. The work is linear in their size, up to sorting the keys when
 // they are not in order already and the segment keys.
 void decode(const Entry *entries, size_t count, Put put, void *context, const Tolerance &lookup = {}) noexcept;
+
+// Key and value of one parameter as written.
+using Written = std::pair<pb::Ref<PB_STRING>, pb::Ref<PB_STRING>>;
+
+// The parameters of source (names to values) in RFC 2231 form as the options
+// ask (charset, segment length), in the key order of a dictionary of them (so
+// "t*10" comes before "t*2"), without building that dictionary: the work is
+// linear in the number of segments. mime___Rfc2231Encode is the same as a
+// dictionary.
+std::vector<Written> encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept;
 
 } // namespace mime::rfc2231

@@ -98,8 +98,34 @@ TEST(Rfc2231, EncodingSegments)
               (Params{{"n*", "UTF-8''%C3%A9%2A%27%25%20%28%0A!#$&+-.^_`{|}~aZ9"}}));
 }
 
+// The keys of a Content-Type header value written with these parameters, in
+// the order they stand in the text.
+std::vector<std::string> writtenKeys(PB_DICT *params, MIME_OPTIONS *mo)
+{
+    Ref<MIME_CONTENT_TYPE> type = adopt(mimeContentTypeCreateCstr("text/plain", -1));
+    for (PB_INT i = 0; i < pbDictLength(params); ++i)
+        mimeContentTypeSetParameter(type.addr(), adopt(pbStringFrom(pbDictKeyAt(params, i))).get(),
+                                    adopt(pbStringFrom(pbDictValueAt(params, i))).get());
+    Ref<MIME_OPTIONS> unfolded = adopt(mimeOptionsCreateFrom(mo));
+    mimeOptionsSetFlags(unfolded.addr(), mimeOptionsFlags(mo) | MIME_FLAG_GENERATE_RFC2231_HEADERS);
+    mimeOptionsSetWrapLineLength(unfolded.addr(), 100000);
+    const std::string text = take(mimeContentTypeEncode(type.get(), unfolded.get(), 0));
+    std::vector<std::string> keys;
+    for (size_t at = text.find(';'); at != std::string::npos && at < text.size();) {
+        const size_t eq = text.find('=', at);
+        keys.push_back(text.substr(at + 1, eq - at - 1));
+        at = eq + 1;
+        if (text[at] == '"')
+            for (++at; text[at] != '"'; ++at)
+                at += text[at] == '\\';
+        at = text.find(';', at);
+    }
+    return keys;
+}
+
 // Decoding what encoding wrote gives the values back, for any Unicode value and
-// segment length.
+// segment length; the writer's order of the segments is the dictionary's key
+// order ("t*10" before "t*2", names whose text sorts around "*").
 TEST(Rfc2231, RoundTripOverGeneratedValues)
 {
     std::mt19937_64 rng(31);
@@ -112,7 +138,8 @@ TEST(Rfc2231, RoundTripOverGeneratedValues)
             std::u32string value;
             for (size_t n = rng() % 40; n > 0; --n)
                 value += alphabet[rng() % alphabet.size()];
-            std::string key = "k" + std::to_string(p);
+            const char *const names[] = {"a", "a!", "a-b", "k0", "k1"};
+            std::string key = names[rng() % std::size(names)];
             Ref<PB_STRING> v = chars(value);
             pbDictSetStringKey(dict.addr(), str(key).get(), pbStringObj(v.get()));
             params[key] = utf8(v.get());
@@ -120,6 +147,10 @@ TEST(Rfc2231, RoundTripOverGeneratedValues)
         Ref<MIME_OPTIONS> mo = segmentLength(lengths[rng() % std::size(lengths)]);
         Ref<PB_DICT> encoded = adopt(mime___Rfc2231Encode(dict.get(), mo.get()));
         ASSERT_EQ(paramsOf(adopt(mime___Rfc2231Decode(encoded.get(), mo.get())).get()), params);
+        std::vector<std::string> keys; // in the dictionary's order
+        for (PB_INT i = 0; i < pbDictLength(encoded.get()); ++i)
+            keys.push_back(take(pbStringFrom(pbDictKeyAt(encoded.get(), i))));
+        ASSERT_EQ(writtenKeys(dict.get(), mo.get()), keys);
     }
 }
 
