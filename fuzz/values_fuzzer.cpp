@@ -1,0 +1,261 @@
+// Any bytes as a sequence of operations on shared values: two holders of a
+// Content-Type, of a Content-Disposition and of an entity, copied to each other
+// (a shared reference or a CreateFrom copy), changed through the PB_STRING,
+// Cstr and Wcstr forms alike, and written and read back. After every step each
+// holder agrees with a plain model (names, parameter maps, field strings): a
+// change to one holder is never seen by the other, and the three forms of a
+// function do the same. No object outlives the input.
+#include "fuzz_support.hpp"
+
+#include <mime/mime.h>
+#include <pb/pb_mem.h>
+#include <pb/pb_ref.hpp>
+
+#include <map>
+#include <optional>
+#include <string>
+
+using pb::adopt;
+using pb::Ref;
+
+namespace {
+
+// Reads the input a byte at a time; zeros past its end.
+struct Reader {
+    const uint8_t *d;
+    size_t n, at = 0;
+    uint8_t next() { return at < n ? d[at++] : 0; }
+    bool more() const { return at < n; }
+};
+
+std::string utf8(PB_STRING *s)
+{
+    PB_INT length = 0;
+    char *text = pbStringConvertToCstr(s, 0, &length);
+    std::string out(text, static_cast<size_t>(length));
+    pbMemFree(text);
+    return out;
+}
+
+std::wstring wide(const std::string &ascii)
+{
+    return std::wstring(ascii.begin(), ascii.end());
+}
+
+std::string lower(std::string s)
+{
+    for (char &c : s)
+        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+    return s;
+}
+
+// A key of a few letters in any case; a value of printable ASCII.
+std::string key(Reader &in)
+{
+    const char *const keys[] = {"charset", "Boundary", "NAME", "x-a", "filename", "Size"};
+    std::string k = keys[in.next() % 6];
+    return in.next() % 2 ? lower(k) : k;
+}
+std::string value(Reader &in)
+{
+    std::string v;
+    for (size_t length = in.next() % 10; length > 0; --length)
+        v += static_cast<char>(' ' + in.next() % 95);
+    return v;
+}
+
+// The C functions of a parameterized value, each form.
+template <class T> struct Api {
+    T *(*createCstr)(const char *, PB_INT);
+    T *(*createFrom)(T *);
+    T *(*retain)(T *);
+    void (*release)(T *);
+    PB_STRING *(*name)(T *);
+    void (*setNameCstr)(T **, const char *, PB_INT);
+    void (*setNameWcstr)(T **, const wchar_t *, PB_INT);
+    void (*setParameter)(T **, PB_STRING *, PB_STRING *);
+    void (*setParameterCstrCstr)(T **, const char *, PB_INT, const char *, PB_INT);
+    void (*setParameterWcstrWcstr)(T **, const wchar_t *, PB_INT, const wchar_t *, PB_INT);
+    void (*delParameter)(T **, PB_STRING *);
+    void (*delParameterCstr)(T **, const char *, PB_INT);
+    void (*delParameterWcstr)(T **, const wchar_t *, PB_INT);
+    PB_STRING *(*parameterCstr)(T *, const char *, PB_INT);
+    PB_STRING *(*parameterWcstr)(T *, const wchar_t *, PB_INT);
+    PB_BOOL (*hasParameter)(T *, PB_STRING *);
+    PB_INT (*count)(T *);
+    PB_STRING *(*keyAt)(T *, PB_INT);
+    PB_STRING *(*valueAt)(T *, PB_INT);
+    void (*clear)(T **);
+    PB_STRING *(*encode)(T *, MIME_OPTIONS *, PB_INT);
+    T *(*tryDecode)(PB_STRING *, MIME_OPTIONS *);
+    const char *const *names; // names the rule accepts, in mixed case
+};
+
+const char *const kTypes[] = {"text/plain", "Application/SDP", "multipart/Mixed", "image/png"};
+const char *const kDispositions[] = {"inline", "Attachment", "by-reference", "x-Custom"};
+
+const Api<MIME_CONTENT_TYPE> kContentType = {mimeContentTypeCreateCstr,
+                                             mimeContentTypeCreateFrom,
+                                             mimeContentTypeRetain,
+                                             mimeContentTypeRelease,
+                                             mimeContentTypeName,
+                                             mimeContentTypeSetNameCstr,
+                                             mimeContentTypeSetNameWcstr,
+                                             mimeContentTypeSetParameter,
+                                             mimeContentTypeSetParameterCstrCstrValue,
+                                             mimeContentTypeSetParameterWcstrWcstrValue,
+                                             mimeContentTypeDelParameter,
+                                             mimeContentTypeDelParameterCstr,
+                                             mimeContentTypeDelParameterWcstr,
+                                             mimeContentTypeParameterCstr,
+                                             mimeContentTypeParameterWcstr,
+                                             mimeContentTypeHasParameter,
+                                             mimeContentTypeParametersLength,
+                                             mimeContentTypeParameterKeyAt,
+                                             mimeContentTypeParameterValueAt,
+                                             mimeContentTypeClearParameters,
+                                             mimeContentTypeEncode,
+                                             mimeContentTypeTryDecode,
+                                             kTypes};
+const Api<MIME_CONTENT_DISPOSITION> kContentDisposition = {mimeContentDispositionCreateCstr,
+                                                           mimeContentDispositionCreateFrom,
+                                                           mimeContentDispositionRetain,
+                                                           mimeContentDispositionRelease,
+                                                           mimeContentDispositionType,
+                                                           mimeContentDispositionSetTypeCstr,
+                                                           mimeContentDispositionSetTypeWcstr,
+                                                           mimeContentDispositionSetParameter,
+                                                           mimeContentDispositionSetParameterCstrCstrValue,
+                                                           mimeContentDispositionSetParameterWcstrWcstrValue,
+                                                           mimeContentDispositionDelParameter,
+                                                           mimeContentDispositionDelParameterCstr,
+                                                           mimeContentDispositionDelParameterWcstr,
+                                                           mimeContentDispositionParameterCstr,
+                                                           mimeContentDispositionParameterWcstr,
+                                                           mimeContentDispositionHasParameter,
+                                                           mimeContentDispositionParametersLength,
+                                                           mimeContentDispositionParameterKeyAt,
+                                                           mimeContentDispositionParameterValueAt,
+                                                           mimeContentDispositionClearParameters,
+                                                           mimeContentDispositionEncode,
+                                                           mimeContentDispositionTryDecode,
+                                                           kDispositions};
+
+struct Model {
+    std::string name;
+    std::map<std::string, std::string> parameters; // lower-case keys
+    bool operator==(const Model &) const = default;
+};
+
+template <class T> Model modelOf(const Api<T> &api, T *value)
+{
+    Model m{utf8(adopt(api.name(value)).get()), {}};
+    for (PB_INT i = 0; i < api.count(value); ++i)
+        m.parameters[utf8(adopt(api.keyAt(value, i)).get())] = utf8(adopt(api.valueAt(value, i)).get());
+    return m;
+}
+
+// One step on holder a (b is the other holder); the models follow.
+template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model &ma, Model &mb, MIME_OPTIONS *mo)
+{
+    const std::string k = key(in), v = value(in);
+    Ref<PB_STRING> ks = adopt(pbStringCreateFromCstr(k.data(), static_cast<PB_INT>(k.size())));
+    Ref<PB_STRING> vs = adopt(pbStringCreateFromCstr(v.data(), static_cast<PB_INT>(v.size())));
+    const std::wstring kw = wide(k), vw = wide(v);
+    switch (in.next() % 9) {
+    case 0: // b shares a's reference
+        api.release(b);
+        b = api.retain(a);
+        mb = ma;
+        break;
+    case 1: // b is a copy of a
+        api.release(b);
+        b = api.createFrom(a);
+        mb = ma;
+        break;
+    case 2: {
+        const std::string name = api.names[in.next() % 4];
+        if (in.next() % 2)
+            api.setNameCstr(&a, name.data(), static_cast<PB_INT>(name.size()));
+        else
+            api.setNameWcstr(&a, wide(name).data(), static_cast<PB_INT>(name.size()));
+        ma.name = lower(name);
+        break;
+    }
+    case 3:
+        api.setParameter(&a, ks.get(), vs.get());
+        ma.parameters[lower(k)] = v;
+        break;
+    case 4:
+        if (in.next() % 2)
+            api.setParameterCstrCstr(&a, k.data(), -1, v.data(), static_cast<PB_INT>(v.size()));
+        else
+            api.setParameterWcstrWcstr(&a, kw.data(), static_cast<PB_INT>(kw.size()), vw.data(), -1);
+        ma.parameters[lower(k)] = v;
+        break;
+    case 5: {
+        const uint8_t form = in.next() % 3;
+        if (form == 0)
+            api.delParameter(&a, ks.get());
+        else if (form == 1)
+            api.delParameterCstr(&a, k.data(), static_cast<PB_INT>(k.size()));
+        else
+            api.delParameterWcstr(&a, kw.data(), -1);
+        ma.parameters.erase(lower(k));
+        break;
+    }
+    case 6:
+        api.clear(&a);
+        ma.parameters.clear();
+        break;
+    case 7: { // lookups agree in every form
+        auto it = ma.parameters.find(lower(k));
+        Ref<PB_STRING> byCstr = adopt(api.parameterCstr(a, k.data(), static_cast<PB_INT>(k.size())));
+        Ref<PB_STRING> byWcstr = adopt(api.parameterWcstr(a, kw.data(), -1));
+        PB_ASSERT( (it != ma.parameters.end()) == static_cast<bool>(api.hasParameter(a, ks.get())) );
+        PB_ASSERT( (it == ma.parameters.end()) == !byCstr && !byCstr == !byWcstr );
+        PB_ASSERT( !byCstr || (utf8(byCstr.get()) == it->second && utf8(byWcstr.get()) == it->second) );
+        break;
+    }
+    default: { // written and read back (RFC 2231 both ways when asked)
+        Ref<PB_STRING> text = adopt(api.encode(a, mo, in.next() % 40));
+        T *decoded = api.tryDecode(text.get(), mo);
+        PB_ASSERT_MSG("what is written reads back", decoded);
+        Model mBack = modelOf(api, decoded);
+        api.release(decoded);
+        PB_ASSERT_MSG("the same value after writing and reading", mBack == ma);
+    }
+    }
+    PB_ASSERT_MSG("holder a as its model", modelOf(api, a) == ma);
+    PB_ASSERT_MSG("holder b as its model", modelOf(api, b) == mb);
+}
+
+template <class T> void run(const Api<T> &api, Reader &in, MIME_OPTIONS *mo)
+{
+    T *a = api.createCstr(api.names[0], -1), *b = api.retain(a);
+    Model ma = modelOf(api, a), mb = ma;
+    for (int steps = 0; steps < 64 && in.more(); ++steps) {
+        if (in.next() % 2)
+            step(api, in, a, b, ma, mb, mo);
+        else
+            step(api, in, b, a, mb, ma, mo);
+    }
+    api.release(a);
+    api.release(b);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
+{
+    return fuzz::run(data, size, [](const uint8_t *d, size_t n) {
+        Reader in{d, n};
+        Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
+        const MIME_FLAGS rfc2231 = MIME_FLAG_PARSE_RFC2231_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS;
+        mimeOptionsSetFlags(mo.addr(), in.next() % 2 ? rfc2231 : MIME_FLAG_PARSE_RFC2231_HEADERS);
+        if (in.next() % 2)
+            run(kContentType, in, mo.get());
+        else
+            run(kContentDisposition, in, mo.get());
+    });
+}
