@@ -1,5 +1,5 @@
 // Any bytes as a sequence of operations on shared values: two holders of a
-// Content-Type, of a Content-Disposition and of an entity, copied to each other
+// Content-Type, of a Content-Disposition or of an entity, copied to each other
 // (a shared reference or a CreateFrom copy), changed through the PB_STRING,
 // Cstr and Wcstr forms alike, and written and read back. After every step each
 // holder agrees with a plain model (names, parameter maps, field strings): a
@@ -230,18 +230,121 @@ template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model 
     PB_ASSERT_MSG("holder b as its model", modelOf(api, b) == mb);
 }
 
+// Up to 64 steps, each on one of the two holders (the other one second).
+template <class T, class M, class Step> void alternate(Reader &in, T *&a, T *&b, M &ma, M &mb, Step step)
+{
+    for (int steps = 0; steps < 64 && in.more(); ++steps) {
+        if (in.next() % 2)
+            step(a, b, ma, mb);
+        else
+            step(b, a, mb, ma);
+    }
+}
+
 template <class T> void run(const Api<T> &api, Reader &in, MIME_OPTIONS *mo)
 {
     T *a = api.createCstr(api.names[0], -1), *b = api.retain(a);
     Model ma = modelOf(api, a), mb = ma;
-    for (int steps = 0; steps < 64 && in.more(); ++steps) {
-        if (in.next() % 2)
-            step(api, in, a, b, ma, mb, mo);
-        else
-            step(api, in, b, a, mb, ma, mo);
-    }
+    alternate(in, a, b, ma, mb, [&](T *&x, T *&y, Model &mx, Model &my) { step(api, in, x, y, mx, my, mo); });
     api.release(a);
     api.release(b);
+}
+
+// The entity: four fields and a body.
+struct Field {
+    PB_STRING *(*get)(MIME_ENTITY *);
+    PB_BOOL (*has)(MIME_ENTITY *);
+    void (*set)(MIME_ENTITY **, PB_STRING *);
+    void (*setCstr)(MIME_ENTITY **, const char *, PB_INT);
+    void (*setWcstr)(MIME_ENTITY **, const wchar_t *, PB_INT);
+    void (*del)(MIME_ENTITY **);
+};
+const Field kFields[] = {
+    {mimeEntityContentType, mimeEntityHasContentType, mimeEntitySetContentType, mimeEntitySetContentTypeCstr,
+     mimeEntitySetContentTypeWcstr, mimeEntityDelContentType},
+    {mimeEntityContentDisposition, mimeEntityHasContentDisposition, mimeEntitySetContentDisposition,
+     mimeEntitySetContentDispositionCstr, mimeEntitySetContentDispositionWcstr, mimeEntityDelContentDisposition},
+    {mimeEntityContentTransferEncoding, mimeEntityHasContentTransferEncoding, mimeEntitySetContentTransferEncoding,
+     mimeEntitySetContentTransferEncodingCstr, mimeEntitySetContentTransferEncodingWcstr,
+     mimeEntityDelContentTransferEncoding},
+    {mimeEntityContentId, mimeEntityHasContentId, mimeEntitySetContentId, mimeEntitySetContentIdCstr,
+     mimeEntitySetContentIdWcstr, mimeEntityDelContentId},
+};
+
+struct EntityModel {
+    std::optional<std::string> fields[4], body;
+    bool operator==(const EntityModel &) const = default;
+};
+
+EntityModel entityModel(MIME_ENTITY *e)
+{
+    EntityModel m;
+    for (size_t f = 0; f < 4; ++f) {
+        Ref<PB_STRING> value = adopt(kFields[f].get(e));
+        PB_ASSERT( static_cast<bool>(kFields[f].has(e)) == static_cast<bool>(value) );
+        if (value)
+            m.fields[f] = utf8(value.get());
+    }
+    Ref<PB_BUFFER> body = adopt(mimeEntityBody(e));
+    PB_ASSERT( static_cast<bool>(mimeEntityHasBody(e)) == static_cast<bool>(body) );
+    if (body)
+        m.body = std::string(reinterpret_cast<const char *>(pbBufferBacking(body.get())),
+                             static_cast<size_t>(pbBufferLength(body.get())));
+    return m;
+}
+
+void entityStep(Reader &in, MIME_ENTITY *&a, MIME_ENTITY *&b, EntityModel &ma, EntityModel &mb)
+{
+    const Field &field = kFields[in.next() % 4];
+    const size_t f = static_cast<size_t>(&field - kFields);
+    const std::string v = value(in);
+    switch (in.next() % 6) {
+    case 0:
+        mimeEntityRelease(b);
+        b = mimeEntityRetain(a);
+        mb = ma;
+        break;
+    case 1:
+        mimeEntityRelease(b);
+        b = mimeEntityCreateFrom(a);
+        mb = ma;
+        break;
+    case 2: {
+        const uint8_t form = in.next() % 3;
+        if (form == 0)
+            field.set(&a, adopt(pbStringCreateFromCstr(v.data(), static_cast<PB_INT>(v.size()))).get());
+        else if (form == 1)
+            field.setCstr(&a, v.data(), static_cast<PB_INT>(v.size()));
+        else
+            field.setWcstr(&a, wide(v).data(), -1);
+        ma.fields[f] = v;
+        break;
+    }
+    case 3:
+        field.del(&a);
+        ma.fields[f].reset();
+        break;
+    case 4:
+        mimeEntitySetBody(&a, adopt(pbBufferCreateFromBytesCopy(v.data(), static_cast<PB_INT>(v.size()))).get());
+        ma.body = v;
+        break;
+    default:
+        mimeEntityDelBody(&a);
+        ma.body.reset();
+    }
+    PB_ASSERT_MSG("entity a as its model", entityModel(a) == ma);
+    PB_ASSERT_MSG("entity b as its model", entityModel(b) == mb);
+}
+
+void runEntity(Reader &in)
+{
+    MIME_ENTITY *a = mimeEntityCreate(), *b = mimeEntityRetain(a);
+    EntityModel ma, mb;
+    alternate(in, a, b, ma, mb, [&](MIME_ENTITY *&x, MIME_ENTITY *&y, EntityModel &mx, EntityModel &my) {
+        entityStep(in, x, y, mx, my);
+    });
+    mimeEntityRelease(a);
+    mimeEntityRelease(b);
 }
 
 } // namespace
@@ -253,9 +356,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
         const MIME_FLAGS rfc2231 = MIME_FLAG_PARSE_RFC2231_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS;
         mimeOptionsSetFlags(mo.addr(), in.next() % 2 ? rfc2231 : MIME_FLAG_PARSE_RFC2231_HEADERS);
-        if (in.next() % 2)
+        const uint8_t kind = in.next() % 3;
+        if (kind == 0)
             run(kContentType, in, mo.get());
-        else
+        else if (kind == 1)
             run(kContentDisposition, in, mo.get());
+        else
+            runEntity(in);
     });
 }
