@@ -7,29 +7,68 @@
 #include <cstdlib>
 #include <cstring>
 #include <functional>
+#include <mutex>
 
 namespace {
 
 // Heap objects created minus heap objects freed, read by the tests' leak check
-// as the sum of shards: each thread counts into a shard of its own cache line
-// (an object freed by another thread than its creator moves the count between
-// shards), so that threads creating objects never contend for one counter.
-struct alignas(64) LiveShard {
+// as a sum: each thread counts into a counter of its own, with a plain load and
+// store (one writer: no locked instruction, which would also wait for the
+// object's zeroing to reach memory), and what an exited thread counted is kept
+// in one total. An object freed by another thread than its creator moves the
+// count between counters; the sum stays right.
+struct alignas(64) LiveCounter {
     std::atomic<int64_t> count{0};
+    LiveCounter *next = nullptr;
 };
-constexpr unsigned kLiveShards = 16;
-constinit LiveShard liveShards[kLiveShards];
+constinit std::mutex countersMutex;
+constinit LiveCounter *livingCounters = nullptr; // of the living threads
+constinit std::atomic<int64_t> exitedCount{0};   // what exited threads counted
 
-constinit std::atomic<unsigned> shardedThreads{0};
-// The thread's shard plus one (0: not chosen yet). Initial-exec: a plain
-// offset from the thread pointer, not a call, inside a shared library.
-constinit thread_local unsigned threadShard __attribute__((tls_model("initial-exec"))) = 0;
+// The thread's counter in the list while the thread lives.
+struct ThreadCounter {
+    LiveCounter counter;
+    ThreadCounter() noexcept
+    {
+        std::lock_guard<std::mutex> lock(countersMutex);
+        counter.next = livingCounters;
+        livingCounters = &counter;
+    }
+    ~ThreadCounter();
+};
 
-std::atomic<int64_t> &liveObjects() noexcept
+// 0: no counter yet, 1: counting into threadCounter, 2: the thread is ending
+// (its counter is gone: count into the total). Initial-exec: a plain offset
+// from the thread pointer, not a call, inside a shared library.
+constinit thread_local int threadState __attribute__((tls_model("initial-exec"))) = 0;
+constinit thread_local LiveCounter *threadCounter __attribute__((tls_model("initial-exec"))) = nullptr;
+
+ThreadCounter::~ThreadCounter()
 {
-    if (PB_UNLIKELY(threadShard == 0))
-        threadShard = shardedThreads.fetch_add(1, std::memory_order_relaxed) % kLiveShards + 1;
-    return liveShards[threadShard - 1].count;
+    std::lock_guard<std::mutex> lock(countersMutex);
+    exitedCount.fetch_add(counter.count.load(std::memory_order_relaxed), std::memory_order_relaxed);
+    LiveCounter **at = &livingCounters;
+    while (*at != &counter)
+        at = &(*at)->next;
+    *at = counter.next;
+    threadState = 2;
+}
+
+void countLive(int64_t delta) noexcept
+{
+    if (PB_LIKELY(threadState == 1)) {
+        std::atomic<int64_t> &count = threadCounter->count;
+        count.store(count.load(std::memory_order_relaxed) + delta, std::memory_order_relaxed);
+        return;
+    }
+    if (threadState == 0) {
+        thread_local ThreadCounter owned;
+        threadCounter = &owned.counter;
+        threadState = 1;
+        countLive(delta);
+        return;
+    }
+    exitedCount.fetch_add(delta, std::memory_order_relaxed);
 }
 
 extern "C" {
@@ -146,7 +185,7 @@ PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) noexcept
     header->sort = sort;
     header->size = size;
     header->refCount = 1;
-    liveObjects().fetch_add(1, std::memory_order_relaxed);
+    countLive(1);
     return reinterpret_cast<PB_OBJ *>(header);
 }
 
@@ -161,14 +200,15 @@ void pb___ObjFree(PB_OBJ *obj) noexcept
     // after free faults at its first look at the sort instead of reading on.
     header->sort = pb::poison<const PB_SORT>();
     std::free(header);
-    liveObjects().fetch_sub(1, std::memory_order_relaxed);
+    countLive(-1);
 }
 
 PB_INT pb___ObjLiveCount(void) noexcept
 {
-    int64_t live = 0;
-    for (const LiveShard &shard : liveShards)
-        live += shard.count.load(std::memory_order_relaxed);
+    std::lock_guard<std::mutex> lock(countersMutex);
+    int64_t live = exitedCount.load(std::memory_order_relaxed);
+    for (const LiveCounter *c = livingCounters; c; c = c->next)
+        live += c->count.load(std::memory_order_relaxed);
     return live;
 }
 
