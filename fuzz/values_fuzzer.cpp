@@ -89,6 +89,14 @@ template <class T> struct Api {
     PB_STRING *(*encode)(T *, MIME_OPTIONS *, PB_INT);
     T *(*tryDecode)(PB_STRING *, MIME_OPTIONS *);
     const char *const *names; // names the rule accepts, in mixed case
+    T *(*createWcstr)(const wchar_t *, PB_INT);
+    PB_BOOL (*hasParameterCstr)(T *, const char *, PB_INT);
+    PB_BOOL (*hasParameterWcstr)(T *, const wchar_t *, PB_INT);
+    T *(*tryDecodeCstr)(const char *, PB_INT, MIME_OPTIONS *);
+    T *(*tryDecodeWcstr)(const wchar_t *, PB_INT, MIME_OPTIONS *);
+    PB_INT (*compare)(T *, T *);
+    PB_BOOL (*equals)(T *, T *);
+    PB_STRING *(*toString)(T *);
 };
 
 const char *const kTypes[] = {"text/plain", "Application/SDP", "multipart/Mixed", "image/png"};
@@ -116,7 +124,15 @@ const Api<MIME_CONTENT_TYPE> kContentType = {mimeContentTypeCreateCstr,
                                              mimeContentTypeClearParameters,
                                              mimeContentTypeEncode,
                                              mimeContentTypeTryDecode,
-                                             kTypes};
+                                             kTypes,
+                                             mimeContentTypeCreateWcstr,
+                                             mimeContentTypeHasParameterCstr,
+                                             mimeContentTypeHasParameterWcstr,
+                                             mimeContentTypeTryDecodeCstr,
+                                             mimeContentTypeTryDecodeWcstr,
+                                             mimeContentTypeCompare,
+                                             mimeContentTypeEquals,
+                                             mimeContentTypeToString};
 const Api<MIME_CONTENT_DISPOSITION> kContentDisposition = {mimeContentDispositionCreateCstr,
                                                            mimeContentDispositionCreateFrom,
                                                            mimeContentDispositionRetain,
@@ -139,7 +155,15 @@ const Api<MIME_CONTENT_DISPOSITION> kContentDisposition = {mimeContentDispositio
                                                            mimeContentDispositionClearParameters,
                                                            mimeContentDispositionEncode,
                                                            mimeContentDispositionTryDecode,
-                                                           kDispositions};
+                                                           kDispositions,
+                                                           mimeContentDispositionCreateWcstr,
+                                                           mimeContentDispositionHasParameterCstr,
+                                                           mimeContentDispositionHasParameterWcstr,
+                                                           mimeContentDispositionTryDecodeCstr,
+                                                           mimeContentDispositionTryDecodeWcstr,
+                                                           mimeContentDispositionCompare,
+                                                           mimeContentDispositionEquals,
+                                                           mimeContentDispositionToString};
 
 struct Model {
     std::string name;
@@ -212,7 +236,10 @@ template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model 
         auto it = ma.parameters.find(lower(k));
         Ref<PB_STRING> byCstr = adopt(api.parameterCstr(a, k.data(), static_cast<PB_INT>(k.size())));
         Ref<PB_STRING> byWcstr = adopt(api.parameterWcstr(a, kw.data(), -1));
-        PB_ASSERT( (it != ma.parameters.end()) == static_cast<bool>(api.hasParameter(a, ks.get())) );
+        const bool has = it != ma.parameters.end();
+        PB_ASSERT( has == static_cast<bool>(api.hasParameter(a, ks.get())) );
+        PB_ASSERT( has == static_cast<bool>(api.hasParameterCstr(a, k.data(), -1)) );
+        PB_ASSERT( has == static_cast<bool>(api.hasParameterWcstr(a, kw.data(), static_cast<PB_INT>(kw.size()))) );
         PB_ASSERT( (it == ma.parameters.end()) == !byCstr && !byCstr == !byWcstr );
         PB_ASSERT( !byCstr || (utf8(byCstr.get()) == it->second && utf8(byWcstr.get()) == it->second) );
         break;
@@ -222,12 +249,23 @@ template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model 
         T *decoded = api.tryDecode(text.get(), mo);
         PB_ASSERT_MSG("what is written reads back", decoded);
         Model mBack = modelOf(api, decoded);
+        const std::string written = utf8(text.get());
+        T *fromCstr = api.tryDecodeCstr(written.data(), static_cast<PB_INT>(written.size()), mo);
+        T *fromWcstr = api.tryDecodeWcstr(wide(written).data(), -1, mo);
+        PB_ASSERT_MSG("every form reads the same", fromCstr && fromWcstr && api.equals(fromCstr, decoded) &&
+                                                       api.compare(fromWcstr, decoded) == 0);
+        api.release(fromCstr);
+        api.release(fromWcstr);
+        PB_ASSERT_MSG("a value shows as text", adopt(api.toString(decoded)));
         api.release(decoded);
         PB_ASSERT_MSG("the same value after writing and reading", mBack == ma);
     }
     }
     PB_ASSERT_MSG("holder a as its model", modelOf(api, a) == ma);
     PB_ASSERT_MSG("holder b as its model", modelOf(api, b) == mb);
+    PB_ASSERT_MSG("values equal as their models", static_cast<bool>(api.equals(a, b)) == (ma == mb) &&
+                                                       (api.compare(a, b) == 0) == (ma == mb) &&
+                                                       api.compare(a, b) == -api.compare(b, a));
 }
 
 // Up to 64 steps, each on one of the two holders (the other one second).
@@ -243,7 +281,8 @@ template <class T, class M, class Step> void alternate(Reader &in, T *&a, T *&b,
 
 template <class T> void run(const Api<T> &api, Reader &in, MIME_OPTIONS *mo)
 {
-    T *a = api.createCstr(api.names[0], -1), *b = api.retain(a);
+    T *a = in.next() % 2 ? api.createCstr(api.names[0], -1) : api.createWcstr(wide(api.names[0]).data(), -1);
+    T *b = api.retain(a);
     Model ma = modelOf(api, a), mb = ma;
     alternate(in, a, b, ma, mb, [&](T *&x, T *&y, Model &mx, Model &my) { step(api, in, x, y, mx, my, mo); });
     api.release(a);
