@@ -1,6 +1,7 @@
 // Any bytes as the value of a header field (Content-ID, Content-Transfer-Encoding,
 // Content-Type, Content-Disposition), the first byte choosing the field and the
-// flags, the second the wrap and segment lengths:
+// flags, the second the wrap and segment lengths (and, for every value, the
+// header value check in its PB_STRING and Cstr forms agrees):
 // decoding never aborts or leaks; what decodes is encoded and decoded again,
 // which must succeed with the same value (the same Content-ID, encoding, media
 // type name or disposition type).
@@ -57,6 +58,22 @@ const LabelledCodec<MIME_CONTENT_TYPE> contentType{mimeContentTypeTryDecode, mim
 const LabelledCodec<MIME_CONTENT_DISPOSITION> contentDisposition{
     mimeContentDispositionTryDecode, mimeContentDispositionEncode, mimeContentDispositionType};
 
+// The header value check says the same, at the same character, in every form.
+void headerValueCheck(PB_STRING *value, const uint8_t *utf8, size_t n)
+{
+    MIME_DEFECT *byString = nullptr, *byCstr = nullptr;
+    const bool ok = mimeHeaderValueCheck(value, &byString);
+    PB_ASSERT( ok == static_cast<bool>(mimeHeaderValueCheckCstr(reinterpret_cast<const char *>(utf8),
+                                                                 static_cast<PB_INT>(n), &byCstr)) );
+    PB_ASSERT( ok == !byString && ok == !byCstr );
+    if (!ok) {
+        PB_ASSERT( mimeDefectCode(byString) == MIME_DEFECT_HEADER_VALUE_UNSAFE );
+        PB_ASSERT( mimeDefectOffset(byString) == mimeDefectOffset(byCstr) );
+        mimeDefectRelease(byString);
+        mimeDefectRelease(byCstr);
+    }
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -70,6 +87,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         mimeOptionsSetWrapLineLength(mo.addr(), d[1] % 90 - 1);
         mimeOptionsSetFlags(mo.addr(), d[0] >> 2);
         mimeOptionsSetRfc2231MaxSegmentLength(mo.addr(), d[1] % 8 == 0 ? -1 : d[1] % 70 + 1);
+        headerValueCheck(value.get(), d + 2, n - 2);
         switch (d[0] % 4) {
         case 0:
             contentId(value.get());
