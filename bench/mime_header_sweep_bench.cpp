@@ -10,7 +10,7 @@
 //   encode-seg1   one long parameter value written in RFC 2231 form with
 //                 segments of one character
 #include <benchmark/benchmark.h>
-#include <mime/mime.h>
+#include <mime/mime.hpp>
 #include <pb/pb_ref.hpp>
 
 #include <string>
@@ -20,10 +20,7 @@ namespace {
 using pb::adopt;
 using pb::Ref;
 
-struct Module {
-    Module() { pbModuleStartup(mimeModule()); }
-    ~Module() { pbModuleShutdown(mimeModule()); }
-} module;
+const mime::Library library;
 
 // head, then unit(i) for i = 0, 1, ... while the text stays within size, then tail.
 template <class Unit> std::string grown(std::string head, Unit unit, size_t size, const std::string &tail = "")
