@@ -1,10 +1,12 @@
 // Any bytes as the value of a header field (Content-ID, Content-Transfer-Encoding,
 // Content-Type, Content-Disposition), the first byte choosing the field and the
-// flags, the second the wrap and segment lengths (and, for every value, the
-// header value check in its PB_STRING and Cstr forms agrees):
-// decoding never aborts or leaks; what decodes is encoded and decoded again,
-// which must succeed with the same value (the same Content-ID, encoding, media
-// type name or disposition type).
+// flags, the second the wrap and segment lengths: decoding never aborts or
+// leaks; what decodes is encoded and decoded again, which must succeed with the
+// same value (the same Content-ID, encoding, media type name or disposition
+// type). The Cstr and Wcstr forms of each function say what the PB_STRING form
+// says, on the same text (the header value check on every value).
+#include "checks.hpp"
+#include "entity_support.hpp"
 #include "fuzz_support.hpp"
 
 #include <mime/mime.h>
@@ -15,18 +17,40 @@ using pb::Ref;
 
 namespace {
 
-void contentId(PB_STRING *value)
+using fuzz::Forms;
+
+// Equal strings, or both null.
+bool same(PB_STRING *a, PB_STRING *b)
 {
-    Ref<PB_STRING> cid = adopt(mimeContentIdTryDecode(value));
-    if (!cid)
-        return;
-    Ref<PB_STRING> again = adopt(mimeContentIdTryDecode(adopt(mimeContentIdEncode(cid.get())).get()));
-    PB_ASSERT( again && pbStringCompare(again.get(), cid.get()) == 0 );
+    return !a == !b && (!a || pbStringCompare(a, b) == 0);
 }
 
-void transferEncoding(PB_STRING *value, MIME_OPTIONS *mo, PB_INT offset)
+// A Content-ID, and one encoded by each form and by an entity of its own.
+void contentId(const Forms &value, MIME_OPTIONS *mo)
 {
-    MIME_CONTENT_TRANSFER_ENCODING cte = mimeContentTransferEncodingTryDecode(value, mo);
+    Ref<PB_STRING> cid = adopt(mimeContentIdTryDecode(value.string.get()));
+    PB_ASSERT( same(cid.get(), adopt(mimeContentIdTryDecodeCstr(value.utf8.data(), value.utf8Length())).get()) );
+    PB_ASSERT( same(cid.get(), adopt(mimeContentIdTryDecodeWcstr(value.wide.data(), value.wideLength())).get()) );
+    const Forms id(cid ? cid.get() : adopt(mimeContentIdGenerate()).get());
+    PB_ASSERT( mimeContentIdOk(id.string.get()) && mimeContentIdOkCstr(id.utf8.data(), id.utf8UpToNul()) &&
+               mimeContentIdOkWcstr(id.wide.data(), id.wideLength()) );
+    Ref<PB_STRING> text = adopt(mimeContentIdEncode(id.string.get()));
+    PB_ASSERT( same(text.get(), adopt(mimeContentIdEncodeCstr(id.utf8.data(), id.utf8Length())).get()) );
+    PB_ASSERT( same(text.get(), adopt(mimeContentIdEncodeWcstr(id.wide.data(), id.wideUpToNul())).get()) );
+    PB_ASSERT( same(adopt(mimeContentIdTryDecode(text.get())).get(), id.string.get()) );
+    Ref<MIME_ENTITY> entity = adopt(mimeEncode(mo, nullptr, nullptr, nullptr, id.string.get()));
+    Ref<MIME_ENTITY> byCstr = adopt(mimeEncodeCstr(mo, nullptr, nullptr, nullptr, id.utf8.data(), id.utf8Length()));
+    Ref<MIME_ENTITY> byWcstr = adopt(mimeEncodeWcstr(mo, nullptr, nullptr, nullptr, id.wide.data(), id.wideUpToNul()));
+    PB_ASSERT( fuzz::sameEntity(entity.get(), byCstr.get()) && fuzz::sameEntity(entity.get(), byWcstr.get()) );
+    fuzz::ordered(entity.get(), byCstr.get(), mimeEntityCompare, mimeEntityEquals);
+    PB_ASSERT( same(adopt(mimeEntityContentId(entity.get())).get(), text.get()) );
+}
+
+void transferEncoding(const Forms &value, MIME_OPTIONS *mo, PB_INT offset)
+{
+    MIME_CONTENT_TRANSFER_ENCODING cte = mimeContentTransferEncodingTryDecode(value.string.get(), mo);
+    PB_ASSERT( cte == mimeContentTransferEncodingTryDecodeCstr(value.utf8.data(), value.utf8Length(), mo) );
+    PB_ASSERT( cte == mimeContentTransferEncodingTryDecodeWcstr(value.wide.data(), value.wideUpToNul(), mo) );
     if (cte == -1)
         return;
     PB_ASSERT( MIME_CONTENT_TRANSFER_ENCODING_OK( cte ) );
@@ -58,20 +82,31 @@ const LabelledCodec<MIME_CONTENT_TYPE> contentType{mimeContentTypeTryDecode, mim
 const LabelledCodec<MIME_CONTENT_DISPOSITION> contentDisposition{
     mimeContentDispositionTryDecode, mimeContentDispositionEncode, mimeContentDispositionType};
 
-// The header value check says the same, at the same character, in every form.
-void headerValueCheck(PB_STRING *value, const uint8_t *utf8, size_t n)
+// The header value check says the same, at the same character, in every form
+// (the raw bytes for the Cstr form: invalid UTF-8 reads as the PB_STRING did).
+void headerValueCheck(const Forms &value, const uint8_t *raw, size_t n)
 {
-    MIME_DEFECT *byString = nullptr, *byCstr = nullptr;
-    const bool ok = mimeHeaderValueCheck(value, &byString);
-    PB_ASSERT( ok == static_cast<bool>(mimeHeaderValueCheckCstr(reinterpret_cast<const char *>(utf8),
-                                                                 static_cast<PB_INT>(n), &byCstr)) );
-    PB_ASSERT( ok == !byString && ok == !byCstr );
+    Ref<MIME_DEFECT> byString, byCstr, byWcstr;
+    const bool ok = mimeHeaderValueCheck(value.string.get(), byString.addr());
+    PB_ASSERT( ok == static_cast<bool>(mimeHeaderValueCheckCstr(reinterpret_cast<const char *>(raw),
+                                                                 static_cast<PB_INT>(n), byCstr.addr())) );
+    PB_ASSERT( ok == static_cast<bool>(mimeHeaderValueCheckWcstr(value.wide.data(), value.wideLength(),
+                                                                  byWcstr.addr())) );
+    PB_ASSERT( ok == !byString && ok == !byCstr && ok == !byWcstr );
     if (!ok) {
-        PB_ASSERT( mimeDefectCode(byString) == MIME_DEFECT_HEADER_VALUE_UNSAFE );
-        PB_ASSERT( mimeDefectOffset(byString) == mimeDefectOffset(byCstr) );
-        mimeDefectRelease(byString);
-        mimeDefectRelease(byCstr);
+        PB_ASSERT( mimeDefectCode(byString.get()) == MIME_DEFECT_HEADER_VALUE_UNSAFE );
+        PB_ASSERT( mimeDefectEquals(byString.get(), byCstr.get()) &&
+                   mimeDefectCompare(byWcstr.get(), byString.get()) == 0 );
+        PB_ASSERT( adopt(mimeDefectToString(byString.get())) );
     }
+}
+
+// Whether the value would do as a boundary, in every form.
+void boundary(const Forms &value)
+{
+    const bool ok = mimeMultipartBoundaryOk(value.string.get());
+    PB_ASSERT( ok == static_cast<bool>(mimeMultipartBoundaryOkCstr(value.utf8.data(), value.utf8Length())) );
+    PB_ASSERT( ok == static_cast<bool>(mimeMultipartBoundaryOkWcstr(value.wide.data(), value.wideUpToNul())) );
 }
 
 } // namespace
@@ -81,25 +116,26 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     return fuzz::run(data, size, [](const uint8_t *d, size_t n) {
         if (n < 2)
             return;
-        Ref<PB_STRING> value =
-            adopt(pbStringCreateFromCstr(reinterpret_cast<const char *>(d + 2), static_cast<PB_INT>(n - 2)));
+        const Forms value(
+            adopt(pbStringCreateFromCstr(reinterpret_cast<const char *>(d + 2), static_cast<PB_INT>(n - 2))).get());
         Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
         mimeOptionsSetWrapLineLength(mo.addr(), d[1] % 90 - 1);
         mimeOptionsSetFlags(mo.addr(), d[0] >> 2);
         mimeOptionsSetRfc2231MaxSegmentLength(mo.addr(), d[1] % 8 == 0 ? -1 : d[1] % 70 + 1);
-        headerValueCheck(value.get(), d + 2, n - 2);
+        headerValueCheck(value, d + 2, n - 2);
         switch (d[0] % 4) {
         case 0:
-            contentId(value.get());
+            contentId(value, mo.get());
             break;
         case 1:
-            transferEncoding(value.get(), mo.get(), d[1] % 40);
+            transferEncoding(value, mo.get(), d[1] % 40);
             break;
         case 2:
-            labelled(contentType, value.get(), mo.get(), d[1] % 40);
+            boundary(value);
+            labelled(contentType, value.string.get(), mo.get(), d[1] % 40);
             break;
         default:
-            labelled(contentDisposition, value.get(), mo.get(), d[1] % 40);
+            labelled(contentDisposition, value.string.get(), mo.get(), d[1] % 40);
             break;
         }
     });

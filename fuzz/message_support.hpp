@@ -5,6 +5,7 @@
 // variants agree with the plain functions.
 #pragma once
 
+#include "checks.hpp"
 #include "entity_support.hpp"
 
 #include <mime/mime.h>
@@ -72,11 +73,38 @@ private:
         PB_INT body = mimePartBodyOffset(part), bodyEnd = body + mimePartBodyLength(part);
         if (offset < from || end > to || body < offset || bodyEnd > end)
             fail("a range outside its parent");
-        for (PB_INT i = 0; i < mimePartDefectCount(part); ++i)
-            if (mimeDefectOffset(adopt(mimePartDefectAt(part, i)).get()) > to)
+        for (PB_INT i = 0; i < mimePartDefectCount(part); ++i) {
+            Ref<MIME_DEFECT> defect = adopt(mimePartDefectAt(part, i));
+            if (mimeDefectOffset(defect.get()) > to)
                 fail("a defect after the end");
-        for (PB_INT i = 0; i < mimePartChildCount(part); ++i)
-            inside(adopt(mimePartChildAt(part, i)).get(), body, bodyEnd);
+            ordered(defect.get(), adopt(mimePartDefectAt(part, 0)).get(), mimeDefectCompare, mimeDefectEquals);
+            PB_ASSERT( adopt(mimeDefectToString(pb::retained(defect.get()).get())) );
+        }
+        fieldsFound(part);
+        for (PB_INT i = 0; i < mimePartChildCount(part); ++i) {
+            Ref<MIME_PART> child = adopt(mimePartChildAt(part, i));
+            ordered(part, child.get(), mimePartCompare, mimePartEquals);
+            inside(child.get(), body, bodyEnd);
+        }
+        PB_ASSERT( adopt(mimePartToString(pb::retained(part).get())) );
+    }
+
+    // The first few fields are found by their names, in every form, as the
+    // first field of the name (letters in any case).
+    void fieldsFound(MIME_PART *part)
+    {
+        const PB_INT count = std::min<PB_INT>(mimePartFieldCount(part), 8);
+        for (PB_INT i = 0; i < count; ++i) {
+            const Forms name(adopt(mimePartFieldNameAt(part, i)).get());
+            PB_INT first = 0;
+            while (!pbStringEqualsCaseFold(adopt(mimePartFieldNameAt(part, first)).get(), name.string.get()))
+                ++first;
+            Ref<PB_STRING> value = adopt(mimePartFieldValueAt(part, first));
+            if (!sameText(value.get(), adopt(mimePartField(part, name.string.get())).get()) ||
+                !sameText(value.get(), adopt(mimePartFieldCstr(part, name.utf8.data(), name.utf8UpToNul())).get()) ||
+                !sameText(value.get(), adopt(mimePartFieldWcstr(part, name.wide.data(), name.wideLength())).get()))
+                fail("a field not found by its name");
+        }
     }
 
     static bool allCrLf(const uint8_t *d, size_t n)

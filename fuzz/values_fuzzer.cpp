@@ -1,16 +1,21 @@
 // Any bytes as a sequence of operations on shared values: two holders of a
-// Content-Type, of a Content-Disposition or of an entity, copied to each other
-// (a shared reference or a CreateFrom copy), changed through the PB_STRING,
-// Cstr and Wcstr forms alike, and written and read back. After every step each
-// holder agrees with a plain model (names, parameter maps, field strings): a
-// change to one holder is never seen by the other, and the three forms of a
-// function do the same. No object outlives the input.
+// Content-Type, of a Content-Disposition, of an entity or of options, copied to
+// each other (a shared reference or a CreateFrom copy), changed through the
+// PB_STRING, Cstr and Wcstr forms alike, and written and read back. After every
+// step each holder agrees with a plain model (names, parameter maps, field
+// strings, settings and their is-default marks): a change to one holder is
+// never seen by the other, and the three forms of a function do the same. No
+// object outlives the input.
+#include "checks.hpp"
 #include "fuzz_support.hpp"
 
 #include <mime/mime.h>
+#include <mime/mime_rfc2231.h>
 #include <pb/pb_mem.h>
 #include <pb/pb_ref.hpp>
 
+#include <array>
+#include <cstring>
 #include <map>
 #include <optional>
 #include <string>
@@ -97,6 +102,10 @@ template <class T> struct Api {
     PB_INT (*compare)(T *, T *);
     PB_BOOL (*equals)(T *, T *);
     PB_STRING *(*toString)(T *);
+    PB_OBJ *(*obj)(T *);
+    void (*setParameterWcstr)(T **, const wchar_t *, PB_INT, PB_STRING *);
+    void (*setParameterCstrWcstr)(T **, const char *, PB_INT, const wchar_t *, PB_INT);
+    void (*setParameterWcstrCstr)(T **, const wchar_t *, PB_INT, const char *, PB_INT);
 };
 
 const char *const kTypes[] = {"text/plain", "Application/SDP", "multipart/Mixed", "image/png"};
@@ -132,7 +141,11 @@ const Api<MIME_CONTENT_TYPE> kContentType = {mimeContentTypeCreateCstr,
                                              mimeContentTypeTryDecodeWcstr,
                                              mimeContentTypeCompare,
                                              mimeContentTypeEquals,
-                                             mimeContentTypeToString};
+                                             mimeContentTypeToString,
+                                             mimeContentTypeObj,
+                                             mimeContentTypeSetParameterWcstr,
+                                             mimeContentTypeSetParameterCstrWcstrValue,
+                                             mimeContentTypeSetParameterWcstrCstrValue};
 const Api<MIME_CONTENT_DISPOSITION> kContentDisposition = {mimeContentDispositionCreateCstr,
                                                            mimeContentDispositionCreateFrom,
                                                            mimeContentDispositionRetain,
@@ -163,13 +176,29 @@ const Api<MIME_CONTENT_DISPOSITION> kContentDisposition = {mimeContentDispositio
                                                            mimeContentDispositionTryDecodeWcstr,
                                                            mimeContentDispositionCompare,
                                                            mimeContentDispositionEquals,
-                                                           mimeContentDispositionToString};
+                                                           mimeContentDispositionToString,
+                                                           mimeContentDispositionObj,
+                                                           mimeContentDispositionSetParameterWcstr,
+                                                           mimeContentDispositionSetParameterCstrWcstrValue,
+                                                           mimeContentDispositionSetParameterWcstrCstrValue};
 
 struct Model {
     std::string name;
     std::map<std::string, std::string> parameters; // lower-case keys
     bool operator==(const Model &) const = default;
 };
+
+// Parameters split into RFC 2231 segments (as the options say) and joined again.
+bool rfc2231RoundTrip(const std::map<std::string, std::string> &parameters, MIME_OPTIONS *mo)
+{
+    Ref<PB_DICT> dict = adopt(pbDictCreate());
+    for (const auto &[k, v] : parameters)
+        pbDictSetStringKeyCstr(
+            dict.addr(), k.data(), -1,
+            pbStringObj(adopt(pbStringCreateFromCstr(v.data(), static_cast<PB_INT>(v.size()))).get()));
+    Ref<PB_DICT> joined = adopt(mime___Rfc2231Decode(adopt(mime___Rfc2231Encode(dict.get(), mo)).get(), mo));
+    return pbDictEquals(joined.get(), dict.get());
+}
 
 template <class T> Model modelOf(const Api<T> &api, T *value)
 {
@@ -210,13 +239,22 @@ template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model 
         api.setParameter(&a, ks.get(), vs.get());
         ma.parameters[lower(k)] = v;
         break;
-    case 4:
-        if (in.next() % 2)
-            api.setParameterCstrCstr(&a, k.data(), -1, v.data(), static_cast<PB_INT>(v.size()));
+    case 4: {
+        const PB_INT kn = static_cast<PB_INT>(k.size()), vn = static_cast<PB_INT>(v.size());
+        const uint8_t form = in.next() % 5;
+        if (form == 0)
+            api.setParameterCstrCstr(&a, k.data(), -1, v.data(), vn);
+        else if (form == 1)
+            api.setParameterWcstrWcstr(&a, kw.data(), kn, vw.data(), -1);
+        else if (form == 2)
+            api.setParameterCstrWcstr(&a, k.data(), kn, vw.data(), vn);
+        else if (form == 3)
+            api.setParameterWcstrCstr(&a, kw.data(), -1, v.data(), -1);
         else
-            api.setParameterWcstrWcstr(&a, kw.data(), static_cast<PB_INT>(kw.size()), vw.data(), -1);
+            api.setParameterWcstr(&a, kw.data(), kn, vs.get());
         ma.parameters[lower(k)] = v;
         break;
+    }
     case 5: {
         const uint8_t form = in.next() % 3;
         if (form == 0)
@@ -259,13 +297,15 @@ template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model 
         PB_ASSERT_MSG("a value shows as text", adopt(api.toString(decoded)));
         api.release(decoded);
         PB_ASSERT_MSG("the same value after writing and reading", mBack == ma);
+        PB_ASSERT_MSG("RFC 2231 segments join again", rfc2231RoundTrip(ma.parameters, mo));
     }
     }
     PB_ASSERT_MSG("holder a as its model", modelOf(api, a) == ma);
     PB_ASSERT_MSG("holder b as its model", modelOf(api, b) == mb);
     PB_ASSERT_MSG("values equal as their models", static_cast<bool>(api.equals(a, b)) == (ma == mb) &&
                                                        (api.compare(a, b) == 0) == (ma == mb) &&
-                                                       api.compare(a, b) == -api.compare(b, a));
+                                                       api.compare(a, b) == -api.compare(b, a) &&
+                                                       pbObjCompare(api.obj(a), api.obj(b)) == api.compare(a, b));
 }
 
 // Up to 64 steps, each on one of the two holders (the other one second).
@@ -291,6 +331,7 @@ template <class T> void run(const Api<T> &api, Reader &in, MIME_OPTIONS *mo)
 
 // The entity: four fields and a body.
 struct Field {
+    const char *name;
     PB_STRING *(*get)(MIME_ENTITY *);
     PB_BOOL (*has)(MIME_ENTITY *);
     void (*set)(MIME_ENTITY **, PB_STRING *);
@@ -299,14 +340,15 @@ struct Field {
     void (*del)(MIME_ENTITY **);
 };
 const Field kFields[] = {
-    {mimeEntityContentType, mimeEntityHasContentType, mimeEntitySetContentType, mimeEntitySetContentTypeCstr,
-     mimeEntitySetContentTypeWcstr, mimeEntityDelContentType},
-    {mimeEntityContentDisposition, mimeEntityHasContentDisposition, mimeEntitySetContentDisposition,
-     mimeEntitySetContentDispositionCstr, mimeEntitySetContentDispositionWcstr, mimeEntityDelContentDisposition},
-    {mimeEntityContentTransferEncoding, mimeEntityHasContentTransferEncoding, mimeEntitySetContentTransferEncoding,
-     mimeEntitySetContentTransferEncodingCstr, mimeEntitySetContentTransferEncodingWcstr,
-     mimeEntityDelContentTransferEncoding},
-    {mimeEntityContentId, mimeEntityHasContentId, mimeEntitySetContentId, mimeEntitySetContentIdCstr,
+    {"Content-Type", mimeEntityContentType, mimeEntityHasContentType, mimeEntitySetContentType,
+     mimeEntitySetContentTypeCstr, mimeEntitySetContentTypeWcstr, mimeEntityDelContentType},
+    {"Content-Disposition", mimeEntityContentDisposition, mimeEntityHasContentDisposition,
+     mimeEntitySetContentDisposition, mimeEntitySetContentDispositionCstr, mimeEntitySetContentDispositionWcstr,
+     mimeEntityDelContentDisposition},
+    {"Content-Transfer-Encoding", mimeEntityContentTransferEncoding, mimeEntityHasContentTransferEncoding,
+     mimeEntitySetContentTransferEncoding, mimeEntitySetContentTransferEncodingCstr,
+     mimeEntitySetContentTransferEncodingWcstr, mimeEntityDelContentTransferEncoding},
+    {"Content-Id", mimeEntityContentId, mimeEntityHasContentId, mimeEntitySetContentId, mimeEntitySetContentIdCstr,
      mimeEntitySetContentIdWcstr, mimeEntityDelContentId},
 };
 
@@ -319,6 +361,7 @@ EntityModel entityModel(MIME_ENTITY *e)
 {
     EntityModel m;
     for (size_t f = 0; f < 4; ++f) {
+        PB_ASSERT( std::strcmp(mimeEntityFieldName(static_cast<PB_INT>(f)), kFields[f].name) == 0 );
         Ref<PB_STRING> value = adopt(kFields[f].get(e));
         PB_ASSERT( static_cast<bool>(kFields[f].has(e)) == static_cast<bool>(value) );
         if (value)
@@ -373,6 +416,8 @@ void entityStep(Reader &in, MIME_ENTITY *&a, MIME_ENTITY *&b, EntityModel &ma, E
     }
     PB_ASSERT_MSG("entity a as its model", entityModel(a) == ma);
     PB_ASSERT_MSG("entity b as its model", entityModel(b) == mb);
+    fuzz::ordered(a, b, mimeEntityCompare, mimeEntityEquals);
+    PB_ASSERT( adopt(mimeEntityToString(a)) );
 }
 
 void runEntity(Reader &in)
@@ -386,6 +431,109 @@ void runEntity(Reader &in)
     mimeEntityRelease(b);
 }
 
+// The options: six settings, each a value and an is-default mark. The codec
+// option objects are modelled by their line lengths.
+struct Setting {
+    PB_INT (*get)(MIME_OPTIONS *);
+    void (*set)(MIME_OPTIONS **, PB_INT);
+    int (*isDefault)(MIME_OPTIONS *);
+    void (*reset)(MIME_OPTIONS **);
+    PB_INT initial;
+    PB_INT (*valid)(uint8_t); // a value the setter takes
+};
+
+const Setting kSettings[] = {
+    {[](MIME_OPTIONS *o) -> PB_INT { return mimeOptionsFlags(o); },
+     [](MIME_OPTIONS **o, PB_INT v) { mimeOptionsSetFlags(o, static_cast<MIME_FLAGS>(v)); }, mimeOptionsFlagsDefault,
+     mimeOptionsSetFlagsDefault, MIME_FLAG_PARSE_RFC2231_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS,
+     [](uint8_t b) -> PB_INT { return mimeFlagsNormalize(static_cast<MIME_FLAGS>(b) * 0x1010101); }},
+    {mimeOptionsWrapLineLength, mimeOptionsSetWrapLineLength, mimeOptionsWrapLineLengthDefault,
+     mimeOptionsSetWrapLineLengthDefault, 76, [](uint8_t b) -> PB_INT { return b % 100 - 1; }},
+    {mimeOptionsRfc2231Charset, mimeOptionsSetRfc2231Charset, mimeOptionsRfc2231CharsetDefault,
+     mimeOptionsSetRfc2231CharsetDefault, PB_CHARSET_UTF_8, [](uint8_t b) -> PB_INT { return b % 51; }},
+    {mimeOptionsRfc2231MaxSegmentLength, mimeOptionsSetRfc2231MaxSegmentLength,
+     mimeOptionsRfc2231MaxSegmentLengthDefault, mimeOptionsSetRfc2231MaxSegmentLengthDefault, 60,
+     [](uint8_t b) -> PB_INT { return b % 70 == 0 ? -1 : b % 70; }},
+    {[](MIME_OPTIONS *o) { return rfcBaseOptionsOutputLineLength(adopt(mimeOptionsRfcBaseOptions(o)).get()); },
+     [](MIME_OPTIONS **o, PB_INT v) {
+         Ref<RFC_BASE_OPTIONS> bo = adopt(rfcBaseOptionsCreate());
+         rfcBaseOptionsSetOutputLineLength(bo.addr(), v);
+         mimeOptionsSetRfcBaseOptions(o, bo.get());
+     },
+     mimeOptionsRfcBaseOptionsDefault, mimeOptionsSetRfcBaseOptionsDefault, 76,
+     [](uint8_t b) -> PB_INT { return b % 2 ? 40 : 64; }},
+    {[](MIME_OPTIONS *o) { return rfcQuopOptionsMaxLineLength(adopt(mimeOptionsRfcQuopOptions(o)).get()); },
+     [](MIME_OPTIONS **o, PB_INT v) {
+         Ref<RFC_QUOP_OPTIONS> qo = adopt(rfcQuopOptionsCreate());
+         rfcQuopOptionsSetMaxLineLength(qo.addr(), v);
+         mimeOptionsSetRfcQuopOptions(o, qo.get());
+     },
+     mimeOptionsRfcQuopOptionsDefault, mimeOptionsSetRfcQuopOptionsDefault, RFC_QUOP_OPTIONS_MAX_LINE_LENGTH_DEFAULT,
+     [](uint8_t b) -> PB_INT { return b % 2 ? 40 : 64; }},
+};
+constexpr size_t kSettingCount = sizeof kSettings / sizeof kSettings[0];
+
+struct OptionsModel {
+    std::array<PB_INT, kSettingCount> values;
+    std::array<bool, kSettingCount> isDefault;
+    bool operator==(const OptionsModel &) const = default;
+};
+
+OptionsModel optionsModel(MIME_OPTIONS *o)
+{
+    OptionsModel m;
+    for (size_t i = 0; i < kSettingCount; ++i) {
+        m.values[i] = kSettings[i].get(o);
+        m.isDefault[i] = kSettings[i].isDefault(o) != 0;
+    }
+    return m;
+}
+
+void optionsStep(Reader &in, MIME_OPTIONS *&a, MIME_OPTIONS *&b, OptionsModel &ma, OptionsModel &mb)
+{
+    const size_t i = in.next() % kSettingCount;
+    switch (in.next() % 4) {
+    case 0:
+        mimeOptionsRelease(b);
+        b = mimeOptionsRetain(a);
+        mb = ma;
+        break;
+    case 1:
+        mimeOptionsRelease(b);
+        b = mimeOptionsCreateFrom(a);
+        mb = ma;
+        break;
+    case 2:
+        ma.values[i] = kSettings[i].valid(in.next());
+        ma.isDefault[i] = false;
+        kSettings[i].set(&a, ma.values[i]);
+        break;
+    default:
+        kSettings[i].reset(&a);
+        ma.values[i] = kSettings[i].initial;
+        ma.isDefault[i] = true;
+    }
+    PB_ASSERT_MSG("options a as their model", optionsModel(a) == ma);
+    PB_ASSERT_MSG("options b as their model", optionsModel(b) == mb);
+    PB_ASSERT_MSG("options equal as their models", static_cast<bool>(mimeOptionsEquals(a, b)) == (ma == mb));
+    fuzz::ordered(a, b, mimeOptionsCompare, mimeOptionsEquals);
+    PB_ASSERT( pbObjCompare(mimeOptionsObj(a), mimeOptionsObj(b)) == mimeOptionsCompare(a, b) );
+    PB_ASSERT( adopt(mimeOptionsToString(a)) );
+}
+
+void runOptions(Reader &in)
+{
+    MIME_OPTIONS *a = mimeOptionsCreate(), *b = mimeOptionsRetain(a);
+    OptionsModel ma = optionsModel(a), mb = ma;
+    for (size_t i = 0; i < kSettingCount; ++i)
+        PB_ASSERT( ma.values[i] == kSettings[i].initial && ma.isDefault[i] );
+    alternate(in, a, b, ma, mb, [&](MIME_OPTIONS *&x, MIME_OPTIONS *&y, OptionsModel &mx, OptionsModel &my) {
+        optionsStep(in, x, y, mx, my);
+    });
+    mimeOptionsRelease(a);
+    mimeOptionsRelease(b);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
@@ -395,12 +543,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         Ref<MIME_OPTIONS> mo = adopt(mimeOptionsCreate());
         const MIME_FLAGS rfc2231 = MIME_FLAG_PARSE_RFC2231_HEADERS | MIME_FLAG_GENERATE_RFC2231_HEADERS;
         mimeOptionsSetFlags(mo.addr(), in.next() % 2 ? rfc2231 : MIME_FLAG_PARSE_RFC2231_HEADERS);
-        const uint8_t kind = in.next() % 3;
+        const uint8_t kind = in.next() % 4;
         if (kind == 0)
             run(kContentType, in, mo.get());
         else if (kind == 1)
             run(kContentDisposition, in, mo.get());
-        else
+        else if (kind == 2)
             runEntity(in);
+        else
+            runOptions(in);
     });
 }

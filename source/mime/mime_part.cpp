@@ -3,6 +3,7 @@
 #include <mime/mime_part.hpp>
 #include <pb/pb_utf8.hpp>
 
+#include <algorithm>
 #include <cstring>
 
 struct MIME_PART {
@@ -166,9 +167,18 @@ PB_STRING *mimePartField(MIME_PART *part, PB_STRING *name) noexcept
     const PB_CHAR *c = pbStringBacking(name);
     PB_INT n = pbStringLength(name);
     const PB_BYTE *input = pbBufferBacking(part->input);
+    // A name beyond ASCII can only be a field's name as read, bytes decoded;
+    // an ASCII one is compared with the bytes (others never match).
+    const bool ascii = std::all_of(c, c + n, [](PB_CHAR x) { return x < 0x80; });
     auto lowered = [](PB_CHAR x) { return x >= 'A' && x <= 'Z' ? x + 32 : x; };
     for (PB_INT f = 0; f < part->fieldCount; ++f) {
         const mime::FieldSpan &field = part->fields[f];
+        if (!ascii) {
+            if (field.nameLength >= n &&
+                pbStringEqualsCaseFold(pb::adopt(text(input + field.name, field.nameLength)).get(), name))
+                return mime::fieldValue(input, field);
+            continue;
+        }
         if (field.nameLength != n)
             continue;
         PB_INT i = 0;
