@@ -2,7 +2,9 @@
 // reads outside the input, every kernel set the processor runs (AVX2 and
 // AVX-512 alike) gives the scalar one's answer, decoded
 // bytes encode to text that decodes back to them, and so do the raw bytes, at a
-// line length taken from the input.
+// line length taken from the input. Encoding also runs in steps of little room
+// (each in memory of exactly that room), resuming where it stopped, to the
+// same text.
 #include "codec_support.hpp"
 #include "fuzz_support.hpp"
 
@@ -10,6 +12,7 @@
 #include <rfc/rfc.h>
 #include <rfc/rfc_quop_codec.hpp>
 
+#include <algorithm>
 #include <vector>
 
 namespace {
@@ -28,14 +31,35 @@ std::vector<uint8_t> encoded(const uint8_t *d, size_t n, int64_t limit, const rf
     return out;
 }
 
-// Encodes with every kernel set and checks the text decodes back to the bytes.
+// Encodes into room that grows by step each time the encoder stops for want of it.
+std::vector<uint8_t> encodedInSteps(const uint8_t *d, size_t n, int64_t limit, const rfc::Kernels &k, size_t step)
+{
+    rfc::QuopCursor cursor;
+    std::vector<uint8_t> out;
+    for (size_t room = rfc::kQuopStepRoom;; room += step) {
+        std::vector<uint8_t> more(room);
+        std::copy(out.begin(), out.begin() + static_cast<ptrdiff_t>(cursor.out), more.begin());
+        out.swap(more);
+        if (rfc::quop::encodeInto(d, n, limit, out.data(), room, cursor, k))
+            break;
+        PB_ASSERT( room - cursor.out < rfc::kQuopStepRoom && cursor.in < n );
+    }
+    out.resize(cursor.out);
+    return out;
+}
+
+// Encodes with every kernel set, at once and in steps, and checks the text
+// decodes back to the bytes.
 void roundTrip(const std::vector<uint8_t> &bytes, int64_t limit)
 {
     std::vector<uint8_t> text = encoded(bytes.data(), bytes.size(), limit, rfc::scalarKernels());
     bool ok = false;
     PB_ASSERT( decoded(text.data(), text.size(), rfc::scalarKernels(), ok) == bytes && ok );
+    const size_t step = 1 + bytes.size() % 97;
+    PB_ASSERT( encodedInSteps(bytes.data(), bytes.size(), limit, rfc::scalarKernels(), step) == text );
     for (const rfc::Kernels *k : fuzz::vectorKernels()) {
         PB_ASSERT( encoded(bytes.data(), bytes.size(), limit, *k) == text );
+        PB_ASSERT( encodedInSteps(bytes.data(), bytes.size(), limit, *k, step) == text );
         PB_ASSERT( decoded(text.data(), text.size(), *k, ok) == bytes && ok );
     }
 }

@@ -276,6 +276,24 @@ struct Avx2Ops {
     {
         return Avx2::copyLiteral(in, n, max, out);
     }
+    static constexpr size_t kQuopBlock = 32;
+    static uint64_t quopStops(const uint8_t *in)
+    {
+        return Avx2::quopSpecialMask(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)));
+    }
+    static uint64_t crLfStarts(const uint8_t *in)
+    {
+        __m256i cr =
+            _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)), _mm256_set1_epi8('\r'));
+        __m256i lf =
+            _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 1)), _mm256_set1_epi8('\n'));
+        return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_and_si256(cr, lf)));
+    }
+    static void copyBlock(const uint8_t *in, uint8_t *out)
+    {
+        _mm256_storeu_si256(reinterpret_cast<__m256i *>(out),
+                            _mm256_loadu_si256(reinterpret_cast<const __m256i *>(in)));
+    }
     static size_t countSpecial(const uint8_t *in, size_t n) { return Avx2::countSpecial(in, n); }
     static size_t countEscaped(const uint8_t *in, size_t n) { return Avx2::countEscaped(in, n); }
     static size_t copyPlain(const uint8_t *in, size_t n, uint8_t *out) { return Avx2::copyPlain(in, n, out); }

@@ -17,13 +17,28 @@ namespace rfc {
 
 inline constexpr size_t kWriteSlack = 32;
 
+// Where a quoted-printable encoding stands: input consumed, output written, and
+// the length of the output's last line. An encoding that ran out of room
+// resumes from it with more.
+struct QuopCursor {
+    size_t in = 0;
+    size_t out = 0;
+    size_t column = 0;
+};
+
+// The most that one step of the quoted-printable encoder writes, stores beyond
+// its text included (a block of 64 bytes escaped whole, or a line): it stops
+// before a step for which less room is left.
+inline constexpr size_t kQuopStepRoom = 512;
+
 struct Kernels {
     const char *name;
     void (*base64Encode)(const uint8_t *in, size_t n, int64_t lineLength, uint8_t *out);
     ptrdiff_t (*base64Decode)(const uint8_t *in, size_t n, uint8_t *out);
     size_t (*quopEncodeBound)(const uint8_t *in, size_t n, int64_t maxLineLength);
     size_t (*quopEscapeCount)(const uint8_t *in, size_t n);
-    size_t (*quopEncode)(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out);
+    bool (*quopEncode)(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, size_t room,
+                       QuopCursor &cursor);
     ptrdiff_t (*quopDecode)(const uint8_t *in, size_t n, uint8_t *out);
 };
 
@@ -39,6 +54,9 @@ const Kernels &bestKernels() noexcept;
 // must be SIZE_MAX on entry and becomes the offset of the first fault.
 ptrdiff_t base64DecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept;
 ptrdiff_t quopDecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept;
+// Room for encoding n bytes as quoted-printable when no more than one in
+// sixteen needs an escape (most text): the first try, without counting.
+size_t quopGuessedRoom(size_t n, int64_t maxLineLength) noexcept;
 
 // Classes of bytes shared by the inner loops and the drivers. Plain arrays in a
 // struct, so that reading them calls no inline library function, which the

@@ -1,6 +1,6 @@
 // The AVX-512 build of the codecs: base64 with byte permutes (VBMI), whole-block
-// quoted-printable decoding with byte compression (VBMI2), and the AVX2 inner
-// loops of quoted-printable encoding. This file alone is
+// quoted-printable decoding with byte compression (VBMI2), and quoted-printable
+// encoding 64 bytes at a time. This file alone is
 // compiled for AVX-512, and its code runs only after avx512Kernels()
 // (rfc_kernels_scalar.cpp) has seen the instructions on the processor.
 // Everything in it has internal linkage and it uses no inline function of a
@@ -134,6 +134,24 @@ struct Avx512Ops : Avx2Ops {
         }
         i += skip;
     }
+
+    // Quoted-printable encoding a block of 64 at a time: the bytes not written
+    // as they are (controls but tab, "=", 127 and up).
+    static constexpr size_t kQuopBlock = 64;
+    static uint64_t quopStops(const uint8_t *in)
+    {
+        __m512i v = _mm512_loadu_si512(in);
+        uint64_t control =
+            _mm512_cmplt_epu8_mask(v, _mm512_set1_epi8(32)) & ~_mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('\t'));
+        return control | _mm512_cmpge_epu8_mask(v, _mm512_set1_epi8(127)) |
+               _mm512_cmpeq_epi8_mask(v, _mm512_set1_epi8('='));
+    }
+    static uint64_t crLfStarts(const uint8_t *in)
+    {
+        return _mm512_cmpeq_epi8_mask(_mm512_loadu_si512(in), _mm512_set1_epi8('\r')) &
+               _mm512_cmpeq_epi8_mask(_mm512_loadu_si512(in + 1), _mm512_set1_epi8('\n'));
+    }
+    static void copyBlock(const uint8_t *in, uint8_t *out) { _mm512_storeu_si512(out, _mm512_loadu_si512(in)); }
 
     static uint64_t space(__m512i v)
     {

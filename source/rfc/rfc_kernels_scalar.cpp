@@ -27,6 +27,11 @@ ptrdiff_t base64DecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t
     return base64::decodeTolerating<ScalarOps>(in, n, out, fault);
 }
 
+size_t quopGuessedRoom(size_t n, int64_t maxLineLength) noexcept
+{
+    return quop::roomFor(n, n / 16, maxLineLength) + kQuopStepRoom;
+}
+
 ptrdiff_t quopDecodeTolerant(const uint8_t *in, size_t n, uint8_t *out, size_t *fault) noexcept
 {
     return quop::decodeTolerating<ScalarOps>(in, n, out, fault);

@@ -2,6 +2,8 @@
 #include <rfc/rfc_quop.h>
 #include <rfc/rfc_quop_codec.hpp>
 
+#include <cstdint>
+
 PB_BUFFER *rfcQuopEncodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options) noexcept
 {
     PB_ASSERT( buffer );
@@ -10,11 +12,24 @@ PB_BUFFER *rfcQuopEncodeWithOptions(PB_BUFFER *buffer, RFC_QUOP_OPTIONS *options
         return nullptr;
     PB_INT maxLineLength = rfcQuopOptionsMaxLineLength(options);
     const rfc::Kernels &kernels = rfc::bestKernels();
-    size_t bound = rfc::quop::encodeBound(pbBufferBacking(buffer), static_cast<size_t>(pbBufferLength(buffer)),
-                                          maxLineLength, kernels);
-    return rfc::codeBuffer(buffer, bound, [&](const uint8_t *in, size_t n, uint8_t *out) {
-        return static_cast<ptrdiff_t>(rfc::quop::encode(in, n, maxLineLength, out, kernels));
-    });
+    const uint8_t *in = pbBufferBacking(buffer);
+    size_t n = static_cast<size_t>(pbBufferLength(buffer));
+    // Room for most text at once; text with more escapes is counted for its
+    // bound and continued (which saves most text a pass over its input).
+    pb::Ref<PB_BUFFER> output = pb::adopt(pbBufferCreate());
+    size_t room = rfc::quopGuessedRoom(n, maxLineLength);
+    rfc::QuopCursor cursor;
+    uint8_t *out = pbBufferAppendSpace(output.addr(), static_cast<PB_INT>(room));
+    if (!rfc::quop::encodeInto(in, n, maxLineLength, out, room, cursor, kernels)) {
+        size_t bound = rfc::quop::encodeBound(in, n, maxLineLength, kernels);
+        if (bound > room) {
+            out = pbBufferAppendSpace(output.addr(), static_cast<PB_INT>(bound - room)) - room;
+            room = bound;
+        }
+        rfc::quop::encodeInto(in, n, maxLineLength, out, SIZE_MAX, cursor, kernels);
+    }
+    pbBufferDelTrailing(output.addr(), static_cast<PB_INT>(room - cursor.out));
+    return output.release();
 }
 
 PB_INT rfcQuopEscapeCount(PB_BUFFER *buffer, PB_INT offset, PB_INT length) noexcept

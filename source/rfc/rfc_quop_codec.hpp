@@ -4,6 +4,8 @@
 
 #include <rfc/rfc_kernels.hpp>
 
+#include <cstdint>
+
 namespace rfc::quop {
 
 // Room encode needs for n bytes with lines of at most maxLineLength (4 to 76)
@@ -17,10 +19,20 @@ inline size_t escapeCount(const uint8_t *in, size_t n, const Kernels &kernels) n
 {
     return kernels.quopEscapeCount(in, n);
 }
-// Writes the text and returns its length.
+// Writes the text into room of encodeBound and returns its length.
 inline size_t encode(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, const Kernels &kernels) noexcept
 {
-    return kernels.quopEncode(in, n, maxLineLength, out);
+    QuopCursor cursor;
+    kernels.quopEncode(in, n, maxLineLength, out, SIZE_MAX, cursor);
+    return cursor.out;
+}
+// Writes the text from where cursor stands into out[cursor.out, room): true
+// when it is complete, false when it stopped for want of room (call again
+// with more; room of encodeBound always suffices).
+inline bool encodeInto(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, size_t room,
+                       QuopCursor &cursor, const Kernels &kernels) noexcept
+{
+    return kernels.quopEncode(in, n, maxLineLength, out, room, cursor);
 }
 
 // Room decode needs for the text of n bytes, slack included.

@@ -5,6 +5,13 @@
 //   countSpecial(in, n)           counts the bytes copyLiteral stops at
 //   copyPlain(in, n, out)         copies bytes up to the first "=" or LF; returns the count
 // and may provide
+//   kQuopBlock, quopStops(in), crLfStarts(in), copyBlock(in, out)
+//                                 a block width (32 or 64), the masks of the
+//                                 bytes of in[0, kQuopBlock) that copyLiteral
+//                                 stops at and of those that start a CR LF (the
+//                                 LF may be in[kQuopBlock]), and a copy of
+//                                 kQuopBlock bytes: the encoder then runs whole
+//                                 blocks (encodeBlocks below)
 //   decodeBlocks(in, n, i, out, o, kept)  decodes whole blocks from in[i] on for as
 //                                 long as their text is regular, advancing i, o
 //                                 and kept (the output that white-space removal
@@ -14,6 +21,8 @@
 #pragma once
 
 #include <rfc/rfc_quop_codec.hpp>
+
+#include <cstring>
 
 namespace rfc::quop {
 namespace {
@@ -62,14 +71,19 @@ struct Writer {
     }
 };
 
-template <class Ops> size_t encodeBoundWith(const uint8_t *in, size_t n, int64_t maxLineLength)
+// Room for n bytes of which special are not written as they are.
+inline size_t roomFor(size_t n, size_t special, int64_t maxLineLength)
 {
     // Escapes come from special bytes and from one space or tab per line end.
-    size_t special = Ops::countSpecial(in, n);
     size_t content = n + 2 * (special + 1) + 2;
     // A soft break follows at least maxLineLength - 3 characters of its line.
     size_t softBreaks = content / static_cast<size_t>(maxLineLength - 3) + 1;
     return content + 3 * softBreaks + kWriteSlack;
+}
+
+template <class Ops> size_t encodeBoundWith(const uint8_t *in, size_t n, int64_t maxLineLength)
+{
+    return roomFor(n, Ops::countSpecial(in, n), maxLineLength);
 }
 
 template <class Ops> size_t escapeCountWith(const uint8_t *in, size_t n)
@@ -77,11 +91,88 @@ template <class Ops> size_t escapeCountWith(const uint8_t *in, size_t n)
     return Ops::countEscaped(in, n);
 }
 
-template <class Ops> size_t encodeWith(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out)
+// Encodes whole blocks from in[i] on for as long as every stop in them is
+// written within its line: an escape that leaves room for a soft break, or a
+// CR LF with no space or tab before it. Each block is copied to the output at
+// once; at each stop the escape or line break is written in place (four bytes
+// stored, the fourth overwritten next) and the rest of the block copied again
+// behind it, with no branch that depends on the kind of stop. Returns
+// (advancing i and w exactly as the loop below would) at the first stop or run
+// that needs a soft break or a white space escape, and before the last two
+// blocks of input or where less than kQuopStepRoom of output room is left.
+template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, Writer &w, size_t outRoom)
 {
-    Writer w{out, 0, 0, static_cast<size_t>(maxLineLength)};
-    size_t i = 0;
+    constexpr size_t kBlock = Ops::kQuopBlock;
+    static_assert(4 * kBlock + 64 <= kQuopStepRoom);
+    const size_t room = w.limit - 1; // the columns a line may fill before its soft break
+    const auto &hex = tables::hexUpper.at;
+    while (n - i > 2 * kBlock && outRoom - w.length >= kQuopStepRoom) {
+        uint64_t hardBreaks = Ops::crLfStarts(in + i);
+        uint64_t stops = Ops::quopStops(in + i) & ~(hardBreaks << 1); // a CR LF is one stop
+        size_t pos = 0;                                               // in[i, i + pos) is written
+        Ops::copyBlock(in + i, w.out + w.length);
+        for (; stops; stops &= stops - 1) {
+            size_t p = static_cast<size_t>(__builtin_ctzll(stops));
+            size_t run = p - pos;
+            if (w.column + run > room) {
+                i += pos;
+                return;
+            }
+            w.length += run;
+            w.column += run;
+            // Which kind of stop is a data bit, not a branch: the two mix
+            // unpredictably in text.
+            const uint64_t hard = hardBreaks >> p & 1;
+            // The byte written last comes from the input when it was copied (a
+            // read of the output just stored a block at a time would wait).
+            const uint64_t spaceBefore = w.column > 0 && isSpaceOrTab(run > 0 ? in[i + p - 1] : w.out[w.length - 1]);
+            const uint64_t noRoom = w.column + 3 > room;
+            if ((hard & spaceBefore) | (~hard & noRoom)) {
+                i += p;
+                return;
+            }
+            const uint8_t b = in[i + p];
+            const uint32_t escape = uint32_t{'='} | uint32_t{hex[b >> 4]} << 8 | uint32_t{hex[b & 15]} << 16;
+            const uint32_t crLf = uint32_t{'\r'} | uint32_t{'\n'} << 8;
+            const uint32_t written = escape ^ ((escape ^ crLf) & (0 - static_cast<uint32_t>(hard)));
+            std::memcpy(w.out + w.length, &written, 4);
+            w.length += 3 - hard;
+            w.column = (w.column + 3) & (hard - 1);
+            pos = p + 1 + hard;
+            Ops::copyBlock(in + i + pos, w.out + w.length);
+        }
+        if (pos < kBlock) {
+            size_t run = kBlock - pos;
+            if (w.column + run > room) {
+                i += pos;
+                return;
+            }
+            w.length += run;
+            w.column += run;
+            pos = kBlock;
+        }
+        i += pos;
+    }
+}
+
+// Encodes in[cursor.in, n) into out[cursor.out, room) from where cursor stands:
+// true when the text is complete, false when it stopped, with less than
+// kQuopStepRoom of room left, at a point from which it resumes as if it had
+// not stopped.
+template <class Ops>
+bool encodeWith(const uint8_t *in, size_t n, int64_t maxLineLength, uint8_t *out, size_t room, QuopCursor &cursor)
+{
+    Writer w{out, cursor.out, cursor.column, static_cast<size_t>(maxLineLength)};
+    size_t i = cursor.in;
+    auto stop = [&](bool done) {
+        cursor = {i, w.length, w.column};
+        return done;
+    };
     for (;;) {
+        if constexpr (requires { Ops::kQuopBlock; })
+            encodeBlocks<Ops>(in, n, i, w, room);
+        if (room - w.length < kQuopStepRoom && i < n)
+            return stop(false);
         if (w.column < w.limit - 1) {
             size_t copied = Ops::copyLiteral(in + i, n - i, w.limit - 1 - w.column, w.out + w.length);
             i += copied;
@@ -99,7 +190,7 @@ template <class Ops> size_t encodeWith(const uint8_t *in, size_t n, int64_t maxL
             ++i;
         }
         if (i == n)
-            return w.length;
+            return stop(true);
         uint8_t b = in[i];
         if (lineEnd) {
             w.lineBreak(false);
