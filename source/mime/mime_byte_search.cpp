@@ -10,6 +10,13 @@ namespace mime::bytes {
 
 PB_INT find(const PB_BYTE *hay, PB_INT n, PB_INT from, const PB_BYTE *needle, PB_INT m) noexcept
 {
+    static PB_INT (*const best)(const PB_BYTE *, PB_INT, PB_INT, const PB_BYTE *, PB_INT) noexcept =
+        __builtin_cpu_supports("avx2") ? findAvx2 : findSse2;
+    return best(hay, n, from, needle, m);
+}
+
+PB_INT findSse2(const PB_BYTE *hay, PB_INT n, PB_INT from, const PB_BYTE *needle, PB_INT m) noexcept
+{
     PB_INT i = from;
     PB_INT last = n - m; // the last position where the needle fits
     if (last < i)

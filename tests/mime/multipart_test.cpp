@@ -170,6 +170,26 @@ TEST(MultipartUnpack, AcceptedLayouts)
     }
 }
 
+// The delimiter is found at every offset within and across the blocks that the
+// search reads at once, behind near misses that share its first and last bytes,
+// for a short and a 70-character boundary.
+TEST(MultipartUnpack, DelimiterAtEveryOffset)
+{
+    for (const std::string &boundary : {std::string("B"), std::string(69, 'q') + "B"}) {
+        const std::string misses[] = {"\r\n-x" + boundary, "\rx--" + boundary, "x", "\r\n--b"};
+        std::string text;
+        for (size_t length = 0; length < 300; ++length) {
+            text.resize(length);
+            std::string body = "--" + boundary + "\r\n\r\n" + text + "\r\n--" + boundary + "--";
+            auto got = unpack(body, boundary.c_str());
+            ASSERT_TRUE(got && got->size() == 1) << length;
+            const Fields expected = text.empty() ? Fields{} : Fields{{}, {}, {}, {}, text};
+            EXPECT_EQ((*got)[0], expected) << length;
+            text += misses[length % 4];
+        }
+    }
+}
+
 // Each refusal, and the reason mimeMultipartTryUnpackWithDefect gives for it.
 TEST(MultipartUnpack, RefusedLayouts)
 {
