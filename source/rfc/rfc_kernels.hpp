@@ -17,6 +17,13 @@ namespace rfc {
 
 inline constexpr size_t kWriteSlack = 32;
 
+// The vector loops ask for the input this far ahead of where they read (a
+// prefetch, which never faults): on hosts whose hardware prefetcher falls
+// behind a loop that also writes a stream of its own, they would otherwise
+// wait for memory (quoted-printable decoding of 32 MiB ran 2.5 times faster
+// with it on the host of the README's figures).
+inline constexpr size_t kPrefetchAhead = 2048;
+
 // Where a quoted-printable encoding stands: input consumed, output written, and
 // the length of the output's last line. An encoding that ran out of room
 // resumes from it with more.

@@ -38,6 +38,7 @@ struct Base64Step512 {
     // characters of 128 and more are outsiders by their own top bit.
     static uint64_t decode(const uint8_t *in, uint8_t *out)
     {
+        _mm_prefetch(reinterpret_cast<const char *>(in + kPrefetchAhead), _MM_HINT_T0);
         __m512i chars = _mm512_loadu_si512(in);
         __m512i values = _mm512_permutex2var_epi8(valueTable(0), chars, valueTable(64));
         uint64_t invalid = _mm512_movepi8_mask(_mm512_or_si512(values, chars));
@@ -100,6 +101,7 @@ struct Avx512Ops : Avx2Ops {
     {
         size_t skip = 0; // leading bytes of this block taken by the previous one
         for (; i >= 2 && n - i >= 66; i += 64) {
+            _mm_prefetch(reinterpret_cast<const char *>(in + i + kPrefetchAhead), _MM_HINT_T0);
             __m512i v = _mm512_loadu_si512(in + i);
             __m512i ahead1 = _mm512_loadu_si512(in + i + 1), ahead2 = _mm512_loadu_si512(in + i + 2);
             __m512i back1 = _mm512_loadu_si512(in + i - 1), back2 = _mm512_loadu_si512(in + i - 2);
@@ -152,6 +154,78 @@ struct Avx512Ops : Avx2Ops {
                _mm512_cmpeq_epi8_mask(_mm512_loadu_si512(in + 1), _mm512_set1_epi8('\n'));
     }
     static void copyBlock(const uint8_t *in, uint8_t *out) { _mm512_storeu_si512(out, _mm512_loadu_si512(in)); }
+
+    // Encodes the block in[0, 64) at once (in[-1] and in[64] are read too) when
+    // every line in it fits in lineRoom columns and no space or tab stands
+    // before one of its CR LFs: returns the bytes taken (64, or 65 when its last
+    // byte starts a CR LF), or 0 when the block does not qualify (nothing is
+    // written then). Each group of 16 bytes becomes triples (the byte or "=",
+    // and two hex digits) that one compression cuts down to the text.
+    static size_t quopWholeBlock(const uint8_t *in, size_t lineRoom, uint8_t *out, size_t &length, size_t &column)
+    {
+        __m512i v = _mm512_loadu_si512(in);
+        uint64_t crLf = crLfStarts(in);
+        uint64_t escaped = quopStops(in) & ~crLf & ~(crLf << 1);
+        uint64_t spaceBefore = space(_mm512_loadu_si512(in - 1));
+        if (crLf & spaceBefore)
+            return 0;
+        // The column at the end of each line, and after the block.
+        size_t col = column, start = 0;
+        for (uint64_t ends = crLf; ends; ends &= ends - 1) {
+            size_t end = static_cast<size_t>(__builtin_ctzll(ends));
+            if (col + width(escaped, start, end) > lineRoom)
+                return 0;
+            col = 0;
+            start = end + 2;
+        }
+        if (start < 64) {
+            col += width(escaped, start, 64);
+            if (col > lineRoom)
+                return 0;
+        }
+        const __m512i digits =
+            _mm512_broadcast_i32x4(_mm_loadu_si128(reinterpret_cast<const __m128i *>(tables::hexUpper.at)));
+        __m512i high = _mm512_shuffle_epi8(digits, _mm512_and_si512(_mm512_srli_epi16(v, 4), _mm512_set1_epi8(15)));
+        __m512i low = _mm512_shuffle_epi8(digits, _mm512_and_si512(v, _mm512_set1_epi8(15)));
+        __m512i first = _mm512_mask_blend_epi8(escaped, v, _mm512_set1_epi8('='));
+        constexpr uint64_t kFirsts = 0x249249249249; // bits 0, 3, ..., 45
+        for (int group = 0; group < 4; ++group) {
+            const __m512i shift = _mm512_set1_epi8(static_cast<char>(16 * group));
+            __m512i triples = _mm512_permutex2var_epi8(first, _mm512_add_epi8(tripleOrder(), shift), high);
+            triples = _mm512_mask_permutexvar_epi8(triples, kFirsts << 2, _mm512_add_epi8(tripleOrder(), shift), low);
+            uint64_t groupEscapes = escaped >> (16 * group) & 0xFFFF;
+            uint64_t keep = kFirsts | _pdep_u64(groupEscapes, kFirsts << 1) | _pdep_u64(groupEscapes, kFirsts << 2);
+            _mm512_storeu_si512(out + length, _mm512_maskz_compress_epi8(keep, triples));
+            length += static_cast<size_t>(__builtin_popcountll(keep));
+        }
+        column = col;
+        if (start == 65) // the LF of a CR LF that the block's last byte starts
+            out[length++] = '\n';
+        return start == 65 ? 65 : 64;
+    }
+
+    // The text width of in[from, to): one column per byte and two more per escape.
+    static size_t width(uint64_t escaped, size_t from, size_t to)
+    {
+        uint64_t span = (to == 64 ? ~uint64_t{0} : (uint64_t{1} << to) - 1) & ~((uint64_t{1} << from) - 1);
+        return to - from + 2 * static_cast<size_t>(__builtin_popcountll(escaped & span));
+    }
+
+    // Slot 3j takes byte j of the first source, 3j + 1 byte j of the second
+    // (permutex2var) and 3j + 2 byte j of the third (a masked permute).
+    static __m512i tripleOrder()
+    {
+        alignas(64) static constexpr Table<uint8_t, 64> order = [] {
+            Table<uint8_t, 64> t{};
+            for (size_t j = 0; j < 16; ++j) {
+                t.at[3 * j] = static_cast<uint8_t>(j);
+                t.at[3 * j + 1] = static_cast<uint8_t>(64 + j);
+                t.at[3 * j + 2] = static_cast<uint8_t>(j);
+            }
+            return t;
+        }();
+        return _mm512_load_si512(order.at);
+    }
 
     static uint64_t space(__m512i v)
     {

@@ -47,9 +47,9 @@ const Kernels *avx2Kernels() noexcept
 
 const Kernels *avx512Kernels() noexcept
 {
-    bool usable = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("avx512f") &&
-                  __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi") &&
-                  __builtin_cpu_supports("avx512vbmi2");
+    bool usable = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi2") &&
+                  __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512bw") &&
+                  __builtin_cpu_supports("avx512vbmi") && __builtin_cpu_supports("avx512vbmi2");
     return usable ? &avx512KernelTable : nullptr;
 }
 

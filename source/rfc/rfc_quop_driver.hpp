@@ -5,6 +5,9 @@
 //   countSpecial(in, n)           counts the bytes copyLiteral stops at
 //   copyPlain(in, n, out)         copies bytes up to the first "=" or LF; returns the count
 // and may provide
+//   quopWholeBlock(in, lineRoom, out, length, column)
+//                                 encodes a block of 64 at once where its lines
+//                                 fit (see rfc_kernels_avx512.cpp), or returns 0
 //   kQuopBlock, quopStops(in), crLfStarts(in), copyBlock(in, out)
 //                                 a block width (32 or 64), the masks of the
 //                                 bytes of in[0, kQuopBlock) that copyLiteral
@@ -23,6 +26,7 @@
 #include <rfc/rfc_quop_codec.hpp>
 
 #include <cstring>
+#include <xmmintrin.h>
 
 namespace rfc::quop {
 namespace {
@@ -107,6 +111,15 @@ template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, W
     const size_t room = w.limit - 1; // the columns a line may fill before its soft break
     const auto &hex = tables::hexUpper.at;
     while (n - i > 2 * kBlock && outRoom - w.length >= kQuopStepRoom) {
+        _mm_prefetch(reinterpret_cast<const char *>(in + i + kPrefetchAhead), _MM_HINT_T0);
+        if constexpr (requires(size_t at) { Ops::quopWholeBlock(in, room, w.out, at, at); }) {
+            if (i > 0) {
+                if (size_t taken = Ops::quopWholeBlock(in + i, room, w.out, w.length, w.column)) {
+                    i += taken;
+                    continue;
+                }
+            }
+        }
         uint64_t hardBreaks = Ops::crLfStarts(in + i);
         uint64_t stops = Ops::quopStops(in + i) & ~(hardBreaks << 1); // a CR LF is one stop
         size_t pos = 0;                                               // in[i, i + pos) is written
