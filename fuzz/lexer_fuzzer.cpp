@@ -64,7 +64,9 @@ void remade(MIME_SHF_TOKEN *token)
     Ref<MIME_SHF_TOKEN> byCstr = adopt(mimeShfTokenCreateRawValueCstr(text.utf8.data(), text.utf8Length()));
     Ref<MIME_SHF_TOKEN> byWcstr = adopt(mimeShfTokenCreateRawValueWcstr(text.wide.data(), text.wideLength()));
     PB_ASSERT( sameToken(byString.get(), token) && sameToken(byCstr.get(), token) && sameToken(byWcstr.get(), token) );
-    PB_ASSERT( adopt(mimeShfTokenToString(token)) );
+    MIME_SHF_TOKEN *held = mimeShfTokenRetain(token);
+    PB_ASSERT( held == token && adopt(mimeShfTokenToString(held)) );
+    mimeShfTokenRelease(held);
     Ref<PB_STRING> value = adopt(mimeShfTokenValue(token));
     switch (mimeShfTokenType(token)) {
     case MIME_SHF_TOKEN_TYPE_TOKEN:

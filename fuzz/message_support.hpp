@@ -78,7 +78,8 @@ private:
             if (mimeDefectOffset(defect.get()) > to)
                 fail("a defect after the end");
             ordered(defect.get(), adopt(mimePartDefectAt(part, 0)).get(), mimeDefectCompare, mimeDefectEquals);
-            PB_ASSERT( adopt(mimeDefectToString(pb::retained(defect.get()).get())) );
+            Ref<MIME_DEFECT> held = adopt(mimeDefectRetain(defect.get()));
+            PB_ASSERT( held.get() == defect.get() && adopt(mimeDefectToString(held.get())) );
         }
         fieldsFound(part);
         for (PB_INT i = 0; i < mimePartChildCount(part); ++i) {
@@ -86,7 +87,8 @@ private:
             ordered(part, child.get(), mimePartCompare, mimePartEquals);
             inside(child.get(), body, bodyEnd);
         }
-        PB_ASSERT( adopt(mimePartToString(pb::retained(part).get())) );
+        Ref<MIME_PART> held = adopt(mimePartRetain(part));
+        PB_ASSERT( held.get() == part && adopt(mimePartToString(held.get())) );
     }
 
     // The first few fields are found by their names, in every form, as the

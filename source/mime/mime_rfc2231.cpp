@@ -161,13 +161,24 @@ void visitingOrder(const Entry *entries, size_t count, Visits &visits)
 
 // The later segments of all continuations, "name*N" and "name*N*" with N from 1
 // written as "%i" writes it, ordered by name, number, and the encoded form first:
-// the lookups of one continuation then walk forward through its own run.
+// the lookups of one continuation then walk forward through its own run. Names
+// are numbered once (equal names get one number), so that ordering the
+// segments compares numbers only: the keys come in key order, where a name's
+// segments mostly stand together, and each is compared with the one before.
 class Segments {
 public:
     Segments(const Entry *entries, const Visits &visits)
     {
-        for (size_t i = 0; i < visits.size(); ++i)
-            add(entries[visits.data()[i]].key, visits.data()[i]);
+        mime::SmallVector<Span, 16> runNames; // the name of each run of keys of one name
+        for (size_t i = 0; i < visits.size(); ++i) {
+            Span name{};
+            if (!add(entries[visits.data()[i]].key, visits.data()[i], name))
+                continue;
+            if (runNames.size() == 0 || order(runNames.data()[runNames.size() - 1], name) != 0)
+                runNames.push_back(name);
+            keys_.data()[keys_.size() - 1].name = runNames.size() - 1;
+        }
+        numberNames(runNames);
         std::sort(keys_.data(), keys_.data() + keys_.size(),
                   [](const Key &a, const Key &b) { return less(a, b.name, b.number, b.encoded); });
     }
@@ -175,7 +186,7 @@ public:
     // Lookups for one name, in the order (1, encoded), (1, plain), (2, encoded), ...
     class Walk {
     public:
-        Walk(const Segments &s, Span name) : s_(s), name_(name), at_(s.lowerBound(name)) {}
+        Walk(const Segments &s, Span name) : s_(s), name_(s.numberOf(name)), at_(s.lowerBound(name_)) {}
         // The entry of name*n (with "*" when encoded), or -1.
         PB_INT find(PB_INT n, bool encoded)
         {
@@ -183,36 +194,36 @@ public:
             size_t count = s_.keys_.size();
             while (at_ < count && less(keys[at_], name_, n, encoded))
                 ++at_;
-            if (at_ < count && keys[at_].number == n && keys[at_].encoded == encoded &&
-                order(keys[at_].name, name_) == 0)
+            if (at_ < count && keys[at_].name == name_ && keys[at_].number == n && keys[at_].encoded == encoded)
                 return static_cast<PB_INT>(keys[at_].entry);
             return -1;
         }
 
     private:
         const Segments &s_;
-        Span name_;
+        size_t name_;
         size_t at_;
     };
 
 private:
     struct Key {
-        Span name;
+        size_t name; // its number in names_ (a run's while the keys are added)
         PB_INT number;
         bool encoded;
         size_t entry;
     };
 
-    static bool less(const Key &a, Span name, PB_INT number, bool encoded)
+    static bool less(const Key &a, size_t name, PB_INT number, bool encoded)
     {
-        if (int o = order(a.name, name))
-            return o < 0;
+        if (a.name != name)
+            return a.name < name;
         if (a.number != number)
             return a.number < number;
         return a.encoded && !encoded;
     }
 
-    void add(Span key, size_t entry)
+    // Adds the key when it is a later segment, and gives its name.
+    bool add(Span key, size_t entry, Span &name)
     {
         PB_INT end = key.length;
         bool encoded = end > 0 && key.chars[end - 1] == '*';
@@ -221,18 +232,51 @@ private:
         while (star >= 0 && key.chars[star] >= '0' && key.chars[star] <= '9')
             --star;
         if (star < 0 || key.chars[star] != '*' || star + 1 == end || key.chars[star + 1] == '0')
-            return;
+            return false;
         PB_INT number = 0;
         for (PB_INT i = star + 1; i < end; ++i) {
             PB_INT digit = static_cast<PB_INT>(key.chars[i] - '0');
             if (number > (PB_INT_MAX - digit) / 10)
-                return;
+                return false;
             number = number * 10 + digit;
         }
-        keys_.push_back({{key.chars, star}, number, encoded, entry});
+        name = {key.chars, star};
+        keys_.push_back({0, number, encoded, entry});
+        return true;
     }
 
-    size_t lowerBound(Span name) const
+    // Sorts the runs' names into names_ without repeats and renumbers the keys
+    // by it: runs of one name (split by keys of a longer name) become one.
+    void numberNames(const mime::SmallVector<Span, 16> &runNames)
+    {
+        const size_t runs = runNames.size();
+        mime::SmallVector<size_t, 16> byName, numberOfRun;
+        for (size_t r = 0; r < runs; ++r) {
+            byName.push_back(r);
+            numberOfRun.push_back(0);
+        }
+        const Span *run = runNames.data();
+        std::sort(byName.data(), byName.data() + runs, [&](size_t a, size_t b) { return order(run[a], run[b]) < 0; });
+        for (size_t k = 0; k < runs; ++k) {
+            const Span &name = run[byName.data()[k]];
+            if (names_.size() == 0 || order(names_.data()[names_.size() - 1], name) != 0)
+                names_.push_back(name);
+            numberOfRun.data()[byName.data()[k]] = names_.size() - 1;
+        }
+        for (size_t i = 0; i < keys_.size(); ++i)
+            keys_.data()[i].name = numberOfRun.data()[keys_.data()[i].name];
+    }
+
+    // The number of name, or names_.size() when no segment has it.
+    size_t numberOf(Span name) const
+    {
+        const Span *first = names_.data(), *last = first + names_.size();
+        const Span *at =
+            std::lower_bound(first, last, name, [](const Span &a, const Span &b) { return order(a, b) < 0; });
+        return at != last && order(*at, name) == 0 ? static_cast<size_t>(at - first) : names_.size();
+    }
+
+    size_t lowerBound(size_t name) const
     {
         const Key *first = std::lower_bound(keys_.data(), keys_.data() + keys_.size(), 0,
                                             [&](const Key &k, int) { return less(k, name, 1, true); });
@@ -240,6 +284,7 @@ private:
     }
 
     mime::SmallVector<Key, 16> keys_;
+    mime::SmallVector<Span, 16> names_; // the names of the segments, sorted, each once
 };
 
 // Joins the segments of the continuation whose segment 0 holds value; null when
