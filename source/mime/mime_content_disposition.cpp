@@ -3,7 +3,7 @@
 #include <mime/mime_defect.hpp>
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
-#include <mime/mime_shf_token_vector.h>
+#include <mime/mime_shf_token.hpp>
 #include <mime/mime_value_readers.hpp>
 
 using pb::adopt;
@@ -333,11 +333,10 @@ PB_STRING *mimeContentDispositionEncode(MIME_CONTENT_DISPOSITION *contentDisposi
     PB_ASSERT( contentDisposition );
     PB_ASSERT( mo );
     Ref<PB_STRING> wire = adopt(mimeContentDispositionTypeToWireFormat(contentDisposition->fields.label));
-    Ref<MIME_SHF_TOKEN> tok = adopt(mimeShfTokenCreateRawValue(wire.get()));
-    Ref<PB_VECTOR> tokens = adopt(pbVectorCreate());
-    pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(tok.get()));
-    mime::parameters::write(tokens.addr(), contentDisposition->fields.parameters, mo);
-    return mimeShfTokenVectorEncode(tokens.get(), mo, firstLineOffset);
+    mime::HeaderWriter writer(mimeOptionsWrapLineLength(mo), firstLineOffset);
+    writer.piece(mime::shfRawValueType(pbStringBacking(wire.get()), pbStringLength(wire.get())), wire.get());
+    mime::parameters::write(writer, contentDisposition->fields.parameters, mo);
+    return writer.text();
 }
 
 MIME_CONTENT_DISPOSITION *mimeContentDispositionTryDecodeCstr(const char *text, PB_INT length,

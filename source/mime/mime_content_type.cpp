@@ -3,7 +3,7 @@
 #include <mime/mime_defect.hpp>
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_parameterized.hpp>
-#include <mime/mime_shf_token_vector.h>
+#include <mime/mime_shf_token.hpp>
 #include <mime/mime_value_readers.hpp>
 
 using pb::adopt;
@@ -362,20 +362,17 @@ PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *m
     PB_ASSERT( mo );
     Ref<PB_STRING> wire = adopt(mimeContentTypeNameToWireFormat(contentType->fields.label));
     Ref<PB_VECTOR> parts = adopt(pbStringSplitChar(wire.get(), '/', -1));
-    PB_VECTOR *typeVector = parts.get();
-    PB_ASSERT( pbVectorLength( typeVector ) == 2 );
-    Ref<PB_VECTOR> tokens = adopt(pbVectorCreate());
+    PB_ASSERT( pbVectorLength( parts.get() ) == 2 );
+    mime::HeaderWriter writer(mimeOptionsWrapLineLength(mo), firstLineOffset);
     for (PB_INT part = 0; part < 2; ++part) {
-        if (part == 1) {
-            Ref<MIME_SHF_TOKEN> slash = adopt(mimeShfTokenCreateTspecial('/'));
-            pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(slash.get()));
-        }
-        Ref<PB_STRING> text = adopt(pbStringFrom(pbVectorObjAt(typeVector, part)));
-        Ref<MIME_SHF_TOKEN> tok = adopt(mimeShfTokenCreateRawValue(text.get()));
-        pbVectorAppendObj(tokens.addr(), mimeShfTokenObj(tok.get()));
+        static const PB_CHAR slash = '/';
+        if (part == 1)
+            writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, &slash, 1);
+        Ref<PB_STRING> text = adopt(pbStringFrom(pbVectorObjAt(parts.get(), part)));
+        writer.piece(mime::shfRawValueType(pbStringBacking(text.get()), pbStringLength(text.get())), text.get());
     }
-    mime::parameters::write(tokens.addr(), contentType->fields.parameters, mo);
-    return mimeShfTokenVectorEncode(tokens.get(), mo, firstLineOffset);
+    mime::parameters::write(writer, contentType->fields.parameters, mo);
+    return writer.text();
 }
 
 MIME_CONTENT_TYPE *mimeContentTypeTryDecodeCstr(const char *text, PB_INT length, MIME_OPTIONS *mo) noexcept

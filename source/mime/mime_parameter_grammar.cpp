@@ -3,6 +3,7 @@
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_rfc2231.hpp>
 #include <mime/mime_shf_token.h>
+#include <mime/mime_shf_token.hpp>
 #include <pb/pb_ref.hpp>
 
 namespace mime::parameters {
@@ -272,37 +273,31 @@ PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc223
     return result;
 }
 
-namespace {
-
-void appendToken(PB_VECTOR **tokens, MIME_SHF_TOKEN *tok)
+void write(HeaderWriter &writer, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
 {
-    Ref<MIME_SHF_TOKEN> held = adopt(tok);
-    pbVectorAppendObj(tokens, mimeShfTokenObj(held.get()));
-}
-
-} // namespace
-
-void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
-{
-    MIME_FLAGS flags = mimeOptionsFlags(mo);
-    auto append = [&](PB_STRING *key, PB_STRING *value) {
-        if (!(flags & MIME_FLAG_GENERATE_UNICODE_HEADERS) &&
-            !chars::isAscii(pbStringBacking(value), pbStringLength(value)))
+    struct Context {
+        HeaderWriter &writer;
+        bool unicode; // values beyond ASCII are written
+    } context{writer, (mimeOptionsFlags(mo) & MIME_FLAG_GENERATE_UNICODE_HEADERS) != 0};
+    rfc2231::Write append = [](void *c, rfc2231::Span key, rfc2231::Span value) {
+        auto *ctx = static_cast<Context *>(c);
+        if (!ctx->unicode && !chars::isAscii(value.chars, value.length))
             return;
-        appendToken(tokens, mimeShfTokenCreateTspecial(';'));
-        appendToken(tokens, mimeShfTokenCreateRawValue(key));
-        appendToken(tokens, mimeShfTokenCreateTspecial('='));
-        appendToken(tokens, mimeShfTokenCreateTokenOrQuotedString(value));
+        static const PB_CHAR semicolon = ';', equals = '=';
+        ctx->writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, &semicolon, 1);
+        ctx->writer.piece(shfRawValueType(key.chars, key.length), key.chars, key.length);
+        ctx->writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, &equals, 1);
+        ctx->writer.tokenOrQuotedString(value.chars, value.length);
     };
-    if (flags & MIME_FLAG_GENERATE_RFC2231_HEADERS) {
-        for (const rfc2231::Written &entry : rfc2231::encode(parameters, mo))
-            append(entry.first.get(), entry.second.get());
+    if (mimeOptionsFlags(mo) & MIME_FLAG_GENERATE_RFC2231_HEADERS) {
+        rfc2231::encode(parameters, mo, append, &context);
         return;
     }
     for (PB_INT i = 0; i < pbDictLength(parameters); ++i) {
         Ref<PB_STRING> key = adopt(pbStringFrom(pbDictKeyAt(parameters, i)));
         Ref<PB_STRING> value = adopt(pbStringFrom(pbDictValueAt(parameters, i)));
-        append(key.get(), value.get());
+        append(&context, {pbStringBacking(key.get()), pbStringLength(key.get())},
+               {pbStringBacking(value.get()), pbStringLength(value.get())});
     }
 }
 

@@ -14,6 +14,7 @@
 // Unicode output is on.
 #pragma once
 
+#include <mime/mime_header_writer.hpp>
 #include <mime/mime_options.h>
 #include <mime/mime_rfc2231.hpp>
 #include <mime/mime_shf_scanner.hpp>
@@ -60,7 +61,8 @@ private:
 // and a quoted value unquoted.
 PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup = {}) noexcept;
 
-// Appends "; key = value" for each parameter to be written.
-void write(PB_VECTOR **tokens, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept;
+// Writes ";key=value" for each parameter to be written (in RFC 2231 form when
+// the options ask for it; values beyond ASCII only when they allow them).
+void write(HeaderWriter &writer, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept;
 
 } // namespace mime::parameters

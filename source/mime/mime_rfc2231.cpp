@@ -406,39 +406,49 @@ PB_DICT *mime___Rfc2231Decode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
 
 namespace {
 
-// Pieces of an ASCII value of at most maxLength characters each (-1: one piece);
-// an empty value is one empty piece.
-Ref<PB_VECTOR> plainSegments(PB_STRING *value, PB_INT maxLength)
+// One parameter as written: its text (the value, or charset'' and percent
+// escapes) cut into segments, segment k being text[cuts[k], cuts[k + 1]).
+struct Block {
+    Ref<PB_STRING> name;
+    Ref<PB_STRING> text;
+    std::vector<PB_INT> cuts;
+    bool encoded = false;
+
+    PB_INT count() const { return static_cast<PB_INT>(cuts.size()) - 1; }
+};
+
+// The cuts of an ASCII value into segments of at most maxLength characters each
+// (-1: one segment); an empty value is one empty segment.
+void cutPlain(Block &block, PB_INT maxLength)
 {
-    Ref<PB_VECTOR> segments = adopt(pbVectorCreate());
-    PB_INT n = pbStringLength(value);
-    if (maxLength == -1 || n <= maxLength) {
-        pbVectorAppendString(segments.addr(), value);
-        return segments;
-    }
-    for (PB_INT at = 0; at < n; at += maxLength) {
-        Ref<PB_STRING> piece = adopt(pbStringCreateFromInner(value, at, pbIntMin(maxLength, n - at)));
-        pbVectorAppendString(segments.addr(), piece.get());
-    }
-    return segments;
+    PB_INT n = pbStringLength(block.text.get());
+    block.cuts.push_back(0);
+    if (maxLength != -1)
+        for (PB_INT at = maxLength; at < n; at += maxLength)
+            block.cuts.push_back(at);
+    block.cuts.push_back(n);
 }
 
 // The value as charset'' and percent escapes, cut before a segment would pass
-// maxLength (-1: one segment); an escape is never split. Null when the charset
-// cannot hold the value.
-Ref<PB_VECTOR> extendedSegments(PB_STRING *value, PB_CHARSET charset, PB_INT maxLength)
+// maxLength (-1: one segment); an escape is never split. False when the
+// charset cannot hold the value.
+bool cutExtended(Block &block, PB_STRING *value, PB_CHARSET charset, PB_INT maxLength)
 {
     Ref<PB_BUFFER> bytes = adopt(pbCharsetConvertStringToBuffer(charset, value));
     if (!bytes)
-        return {};
-    Ref<PB_VECTOR> segments = adopt(pbVectorCreate());
-    Ref<PB_STRING> current = adopt(pbStringCreateFromFormatCstr("%~s''", -1, pbCharsetToIanaName(charset)));
-    PB_INT length = pbStringLength(current.get());
+        return false;
+    Ref<PB_STRING> name = adopt(pbCharsetToIanaName(charset));
+    mime::SmallVector<PB_CHAR, 256> text;
+    text.append(pbStringBacking(name.get()), static_cast<size_t>(pbStringLength(name.get())));
+    text.push_back('\'');
+    text.push_back('\'');
+    block.cuts.push_back(0);
+    PB_INT length = static_cast<PB_INT>(text.size()); // of the current segment
     auto startSegment = [&](PB_INT lengthAfter) {
-        pbVectorAppendString(segments.addr(), current.get());
-        current = adopt(pbStringCreate());
+        block.cuts.push_back(static_cast<PB_INT>(text.size()));
         length = lengthAfter;
     };
+    static const char hex[] = "0123456789ABCDEF";
     const PB_BYTE *b = pbBufferBacking(bytes.get());
     for (PB_INT i = 0, n = pbBufferLength(bytes.get()); i < n; ++i) {
         if (mime::chars::is(b[i], mime::chars::kAttributeChar)) { // written as it is
@@ -446,17 +456,40 @@ Ref<PB_VECTOR> extendedSegments(PB_STRING *value, PB_CHARSET charset, PB_INT max
                 startSegment(1);
             else
                 length += 1;
-            pbStringAppendChar(current.addr(), b[i]);
+            text.push_back(b[i]);
         } else {
             if (maxLength != -1 && length >= maxLength - 2)
                 startSegment(3);
             else
                 length += 3;
-            pbStringAppendFormatCstr(current.addr(), "%%%^02!16i", -1, static_cast<PB_INT>(b[i]));
+            const PB_CHAR escape[] = {'%', static_cast<PB_CHAR>(hex[b[i] >> 4]), static_cast<PB_CHAR>(hex[b[i] & 15])};
+            text.append(escape, 3);
         }
     }
-    pbVectorAppendString(segments.addr(), current.get());
-    return segments;
+    block.cuts.push_back(static_cast<PB_INT>(text.size()));
+    block.text = adopt(pbStringCreateFromCharsCopy(text.data(), static_cast<PB_INT>(text.size())));
+    block.encoded = true;
+    return true;
+}
+
+// The key of segment number of a block (number -1: the only one) into key: the
+// name, "*" and the number, and "*" when the text is encoded.
+void segmentKey(const Block &block, PB_INT number, mime::SmallVector<PB_CHAR, 64> &key)
+{
+    key.truncate(0);
+    key.append(pbStringBacking(block.name.get()), static_cast<size_t>(pbStringLength(block.name.get())));
+    if (number >= 0) {
+        PB_CHAR digits[20];
+        size_t count = 0;
+        do
+            digits[count++] = static_cast<PB_CHAR>('0' + number % 10);
+        while ((number /= 10) > 0);
+        key.push_back('*');
+        while (count > 0)
+            key.push_back(digits[--count]);
+    }
+    if (block.encoded)
+        key.push_back('*');
 }
 
 // Calls f(k) for k = 0 .. count - 1 in the order of their decimal forms as
@@ -483,41 +516,41 @@ template <class F> void inTextOrder(PB_INT count, F f)
 
 } // namespace
 
-std::vector<mime::rfc2231::Written> mime::rfc2231::encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
+void mime::rfc2231::encode(PB_DICT *source, MIME_OPTIONS *mo, Write write, void *context) noexcept
 {
     PB_CHARSET charset = mimeOptionsRfc2231Charset(mo);
     PB_INT maxLength = mimeOptionsRfc2231MaxSegmentLength(mo);
-    std::vector<std::vector<Written>> blocks; // each name's keys, in key order
+    std::vector<Block> blocks;
     for (PB_INT i = 0; i < pbDictLength(source); ++i) {
         Ref<PB_STRING> name = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
         if (!mime___Rfc2231IsAttribute(pbStringBacking(name.get()), pbStringLength(name.get())))
             continue;
-        bool plain = mime::chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get()));
-        Ref<PB_VECTOR> segments =
-            plain ? plainSegments(value.get(), maxLength) : extendedSegments(value.get(), charset, maxLength);
-        if (!segments)
+        Block block{std::move(name), {}, {}, false};
+        if (mime::chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get()))) {
+            block.text = std::move(value);
+            cutPlain(block, maxLength);
+        } else if (!cutExtended(block, value.get(), charset, maxLength)) {
             continue;
-        const char *suffix = plain ? "" : "*";
-        const PB_INT count = pbVectorLength(segments.get());
-        std::vector<Written> &block = blocks.emplace_back();
-        block.reserve(static_cast<size_t>(count));
-        inTextOrder(count, [&](PB_INT n) {
-            Ref<PB_STRING> key =
-                adopt(count == 1 ? pbStringCreateFromFormatCstr("%s%lc", -1, name.get(), suffix)
-                                 : pbStringCreateFromFormatCstr("%s*%i%lc", -1, name.get(), n, suffix));
-            block.emplace_back(std::move(key), textOf(pbVectorObjAt(segments.get(), n)));
-        });
+        }
+        blocks.push_back(std::move(block));
     }
     // A name's keys are contiguous in key order (no name holds "*"), so the
     // blocks go in the order of their first keys.
-    std::stable_sort(blocks.begin(), blocks.end(), [](const std::vector<Written> &a, const std::vector<Written> &b) {
-        return pbStringCompare(a.front().first.get(), b.front().first.get()) < 0;
+    mime::SmallVector<PB_CHAR, 64> a, b;
+    std::stable_sort(blocks.begin(), blocks.end(), [&](const Block &x, const Block &y) {
+        segmentKey(x, x.count() == 1 ? -1 : 0, a);
+        segmentKey(y, y.count() == 1 ? -1 : 0, b);
+        return std::lexicographical_compare(a.data(), a.data() + a.size(), b.data(), b.data() + b.size());
     });
-    std::vector<Written> written;
-    for (std::vector<Written> &block : blocks)
-        for (Written &entry : block)
-            written.push_back(std::move(entry));
-    return written;
+    mime::SmallVector<PB_CHAR, 64> key;
+    for (const Block &block : blocks) {
+        const PB_CHAR *text = pbStringBacking(block.text.get());
+        inTextOrder(block.count(), [&](PB_INT n) {
+            segmentKey(block, block.count() == 1 ? -1 : n, key);
+            const PB_INT from = block.cuts[static_cast<size_t>(n)], to = block.cuts[static_cast<size_t>(n) + 1];
+            write(context, {key.data(), static_cast<PB_INT>(key.size())}, {text + from, to - from});
+        });
+    }
 }
 
 PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
@@ -525,7 +558,13 @@ PB_DICT *mime___Rfc2231Encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept
     PB_ASSERT( source );
     PB_ASSERT( mo );
     Ref<PB_DICT> result = adopt(pbDictCreate());
-    for (const mime::rfc2231::Written &entry : mime::rfc2231::encode(source, mo))
-        pbDictSetStringKey(result.addr(), entry.first.get(), pbStringObj(entry.second.get()));
+    mime::rfc2231::encode(
+        source, mo,
+        [](void *context, Span key, Span value) {
+            Ref<PB_STRING> k = adopt(pbStringCreateFromCharsCopy(key.chars, key.length));
+            Ref<PB_STRING> v = adopt(pbStringCreateFromCharsCopy(value.chars, value.length));
+            pbDictSetStringKey(static_cast<Ref<PB_DICT> *>(context)->addr(), k.get(), pbStringObj(v.get()));
+        },
+        &result);
     return result.release();
 }

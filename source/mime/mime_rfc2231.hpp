@@ -51,14 +51,14 @@ struct Tolerance {
 // they are not in order already and the segment keys.
 void decode(const Entry *entries, size_t count, Put put, void *context, const Tolerance &lookup = {}) noexcept;
 
-// Key and value of one parameter as written.
-using Written = std::pair<pb::Ref<PB_STRING>, pb::Ref<PB_STRING>>;
+// Takes one parameter as written: views of its key and value that last for the call.
+using Write = void (*)(void *context, Span key, Span value);
 
 // The parameters of source (names to values) in RFC 2231 form as the options
-// ask (charset, segment length), in the key order of a dictionary of them (so
-// "t*10" comes before "t*2"), without building that dictionary: the work is
-// linear in the number of segments. mime___Rfc2231Encode is the same as a
-// dictionary.
-std::vector<Written> encode(PB_DICT *source, MIME_OPTIONS *mo) noexcept;
+// ask (charset, segment length), given to write in the key order of a
+// dictionary of them (so "t*10" comes before "t*2"), without building that
+// dictionary or a string per segment: the work and memory are linear in the
+// text written. mime___Rfc2231Encode is the same as a dictionary.
+void encode(PB_DICT *source, MIME_OPTIONS *mo, Write write, void *context) noexcept;
 
 } // namespace mime::rfc2231

@@ -95,7 +95,9 @@ bool isDelimited(const PB_CHAR *c, PB_INT n, PB_CHAR open, PB_CHAR close, bool n
     return depth == 0;
 }
 
-bool isPlainToken(const PB_CHAR *c, PB_INT n)
+} // namespace
+
+bool mime::shfIsPlainToken(const PB_CHAR *c, PB_INT n) noexcept
 {
     if (n == 0)
         return false;
@@ -105,7 +107,25 @@ bool isPlainToken(const PB_CHAR *c, PB_INT n)
     return true;
 }
 
-} // namespace
+PB_STRING *mime::shfQuotedString(const PB_CHAR *c, PB_INT n) noexcept
+{
+    return delimited(c, n, '"', '"', [](PB_CHAR x) { return x == '\r' || x == '"' || x == '\\'; });
+}
+
+MIME_SHF_TOKEN_TYPE mime::shfRawValueType(const PB_CHAR *c, PB_INT n) noexcept
+{
+    if (n == 1 && is(c[0], kTspecial))
+        return MIME_SHF_TOKEN_TYPE_TSPECIAL;
+    if (isDelimited(c, n, '"', '"', false, false))
+        return MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
+    if (isDelimited(c, n, '[', ']', false, true))
+        return MIME_SHF_TOKEN_TYPE_DOMAIN_LITERAL;
+    if (isDelimited(c, n, '(', ')', true, false))
+        return MIME_SHF_TOKEN_TYPE_COMMENT;
+    if (shfIsPlainToken(c, n))
+        return MIME_SHF_TOKEN_TYPE_TOKEN;
+    pb___Abort(nullptr, __FILE__, __LINE__, nullptr);
+}
 
 MIME_SHF_TOKEN *mime::shfTokenCreateScanned(MIME_SHF_TOKEN_TYPE type, const PB_CHAR *chars, PB_INT length) noexcept
 {
@@ -123,10 +143,9 @@ MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedString(PB_STRING *tokenOrQuotedSt
     PB_ASSERT( tokenOrQuotedString );
     const PB_CHAR *c = pbStringBacking(tokenOrQuotedString);
     PB_INT n = pbStringLength(tokenOrQuotedString);
-    if (isPlainToken(c, n))
+    if (mime::shfIsPlainToken(c, n))
         return createAdopting(MIME_SHF_TOKEN_TYPE_TOKEN, pbStringCreateFromCharsCopy(c, n));
-    return createAdopting(MIME_SHF_TOKEN_TYPE_QUOTED_STRING,
-                          delimited(c, n, '"', '"', [](PB_CHAR x) { return x == '\r' || x == '"' || x == '\\'; }));
+    return createAdopting(MIME_SHF_TOKEN_TYPE_QUOTED_STRING, mime::shfQuotedString(c, n));
 }
 
 MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) noexcept
@@ -142,21 +161,7 @@ MIME_SHF_TOKEN *mimeShfTokenCreateComment(PB_STRING *comment) noexcept
 MIME_SHF_TOKEN *mimeShfTokenCreateRawValue(PB_STRING *rawValue) noexcept
 {
     PB_ASSERT( rawValue );
-    const PB_CHAR *c = pbStringBacking(rawValue);
-    PB_INT n = pbStringLength(rawValue);
-    MIME_SHF_TOKEN_TYPE type;
-    if (n == 1 && is(c[0], kTspecial))
-        type = MIME_SHF_TOKEN_TYPE_TSPECIAL;
-    else if (isDelimited(c, n, '"', '"', false, false))
-        type = MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
-    else if (isDelimited(c, n, '[', ']', false, true))
-        type = MIME_SHF_TOKEN_TYPE_DOMAIN_LITERAL;
-    else if (isDelimited(c, n, '(', ')', true, false))
-        type = MIME_SHF_TOKEN_TYPE_COMMENT;
-    else if (isPlainToken(c, n))
-        type = MIME_SHF_TOKEN_TYPE_TOKEN;
-    else
-        pb___Abort(nullptr, __FILE__, __LINE__, nullptr);
+    MIME_SHF_TOKEN_TYPE type = mime::shfRawValueType(pbStringBacking(rawValue), pbStringLength(rawValue));
     pb::retain(rawValue);
     return createAdopting(type, rawValue);
 }
