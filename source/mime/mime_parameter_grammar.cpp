@@ -74,6 +74,17 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
             *p += *p - 'A' < 26u ? 32 : 0;
 }
 
+bool Pieces::plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept
+{
+    const ShfPiece &piece = pieces_.data()[i];
+    if (piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING && piece.escaped)
+        return false;
+    const bool quoted = piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
+    start = piece.start + quoted;
+    length = piece.length - 2 * quoted;
+    return true;
+}
+
 PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
 {
     Chars chars;
@@ -83,12 +94,16 @@ PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
 
 namespace {
 
-// The parameters as read: keys and values side by side in one character store.
+// The parameters as read: keys (in lower case) in one character store, values
+// there too or, when they stand in the header value as they are, in the
+// value's own text (which is then not copied).
 struct Collected {
     struct Pair {
         size_t key, keyLength, value, valueLength;
+        bool valueInText; // value counts from text, not from chars
     };
     Pieces::Chars chars;
+    const PB_CHAR *text = nullptr;
     mime::SmallVector<Pair, 16> pairs;
     bool rfc2231 = false; // a key has a form that RFC 2231 decoding changes
 
@@ -98,11 +113,19 @@ struct Collected {
         pieces.appendWord(keyIndex, true, chars);
         if (!keptKey(key))
             return;
+        PB_INT start = 0, length = 0;
+        if (valueIndex >= 0 && pieces.plainAt(valueIndex, start, length)) {
+            text = pieces.chars();
+            pairs.push_back({key, chars.size() - key, static_cast<size_t>(start), static_cast<size_t>(length), true});
+            return;
+        }
         size_t value = chars.size();
         if (valueIndex >= 0)
             pieces.appendWord(valueIndex, false, chars);
-        pairs.push_back({key, value - key, value, chars.size() - value});
+        pairs.push_back({key, value - key, value, chars.size() - value, false});
     }
+
+    const PB_CHAR *valueOf(const Pair &p) const { return (p.valueInText ? text : chars.data()) + p.value; }
 
     // A key and a value given as text: a value in quotes loses them and its escapes.
     void addText(const PB_CHAR *key, size_t keyLength, const PB_CHAR *value, size_t valueLength)
@@ -120,7 +143,7 @@ struct Collected {
                 ++i; // a backslash takes the next character
             chars.push_back(value[i]);
         }
-        pairs.push_back({at, start - at, start, chars.size() - start});
+        pairs.push_back({at, start - at, start, chars.size() - start, false});
     }
 
     void clear()
@@ -148,9 +171,13 @@ struct Collected {
         return true;
     }
 
-    PB_STRING *string(size_t at, size_t length) const
+    PB_STRING *keyString(const Pair &p) const
     {
-        return pbStringCreateFromCharsCopy(chars.data() + at, static_cast<PB_INT>(length));
+        return pbStringCreateFromCharsCopy(chars.data() + p.key, static_cast<PB_INT>(p.keyLength));
+    }
+    PB_STRING *valueString(const Pair &p) const
+    {
+        return pbStringCreateFromCharsCopy(valueOf(p), static_cast<PB_INT>(p.valueLength));
     }
 };
 
@@ -167,8 +194,8 @@ PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::Tolerance &lo
     for (size_t i = 0; i < collected.pairs.size(); ++i) {
         const Collected::Pair &p = collected.pairs.data()[i];
         const PB_CHAR *c = collected.chars.data();
-        entries.push_back(
-            {{c + p.key, static_cast<PB_INT>(p.keyLength)}, {c + p.value, static_cast<PB_INT>(p.valueLength)}});
+        entries.push_back({{c + p.key, static_cast<PB_INT>(p.keyLength)},
+                           {collected.valueOf(p), static_cast<PB_INT>(p.valueLength)}});
     }
     struct Context {
         const Collected &collected;
@@ -180,7 +207,7 @@ PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::Tolerance &lo
             auto *ctx = static_cast<Context *>(c);
             const Collected::Pair &p = ctx->collected.pairs.data()[entry];
             set(&ctx->result, adopt(pbStringCreateFromCharsCopy(name.chars, name.length)),
-                decoded ? pb::retained(decoded) : adopt(ctx->collected.string(p.value, p.valueLength)));
+                decoded ? pb::retained(decoded) : adopt(ctx->collected.valueString(p)));
         },
         &context, lookup);
     return context.result;
@@ -268,7 +295,7 @@ PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc223
     PB_DICT *result = pbDictCreate();
     for (size_t i = 0; i < collected.pairs.size(); ++i) {
         const Collected::Pair &p = collected.pairs.data()[i];
-        set(&result, adopt(collected.string(p.key, p.keyLength)), adopt(collected.string(p.value, p.valueLength)));
+        set(&result, adopt(collected.keyString(p)), adopt(collected.valueString(p)));
     }
     return result;
 }

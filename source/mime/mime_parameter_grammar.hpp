@@ -45,6 +45,9 @@ public:
     PB_STRING *word(PB_INT i, bool lower) const noexcept;
     // The same, appended to chars.
     void appendWord(PB_INT i, bool lower, Chars &chars) const noexcept;
+    // Whether the plain value of word i stands in the value as it is (a token, or
+    // a quoted string without escapes), and where: chars()[start, start + length).
+    bool plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept;
 
 private:
     const PB_CHAR *chars_ = nullptr;
