@@ -1,8 +1,8 @@
 // Any bytes as a header-field value: lexing never aborts or leaks, and reads the
 // Cstr and Wcstr forms of the text alike; each token made again from its wire
-// text (and, for quoted strings, tokens and comments, from its plain value) in
-// every form is the same token or has the same value; the character classes
-// agree with their definitions on every character. When lexing succeeds,
+// text (and, for quoted strings, tokens and comments, from its plain value; a
+// tspecial from its character) in every form is the same token or has the same
+// value; the character classes agree with their definitions on every character. When lexing succeeds,
 // comments are removed, the tokens encoded (at a wrap line length and offset
 // taken from the input) and the text lexed again, which must succeed with
 // tokens of the same types and plain values.
@@ -77,6 +77,9 @@ void remade(MIME_SHF_TOKEN *token)
     case MIME_SHF_TOKEN_TYPE_COMMENT:
         madeInEveryForm(value.get(), mimeShfTokenCreateComment, mimeShfTokenCreateCommentCstr,
                         mimeShfTokenCreateCommentWcstr);
+        break;
+    case MIME_SHF_TOKEN_TYPE_TSPECIAL:
+        PB_ASSERT( sameToken(adopt(mimeShfTokenCreateTspecial(pbStringCharAt(raw.get(), 0))).get(), token) );
         break;
     default:
         break;
