@@ -2,10 +2,10 @@
 // Cstr and Wcstr forms of the text alike; each token made again from its wire
 // text (and, for quoted strings, tokens and comments, from its plain value; a
 // tspecial from its character) in every form is the same token or has the same
-// value; the character classes agree with their definitions on every character. When lexing succeeds,
-// comments are removed, the tokens encoded (at a wrap line length and offset
-// taken from the input) and the text lexed again, which must succeed with
-// tokens of the same types and plain values.
+// value; the character classes agree with their definitions on every
+// character. When lexing succeeds, comments are removed, the tokens encoded (at
+// a wrap line length and offset taken from the input) and the text lexed
+// again, which must succeed with tokens of the same types and plain values.
 #include "checks.hpp"
 #include "fuzz_support.hpp"
 
