@@ -95,21 +95,26 @@ template <class Ops> size_t escapeCountWith(const uint8_t *in, size_t n)
     return Ops::countEscaped(in, n);
 }
 
-// Encodes whole blocks from in[i] on for as long as every stop in them is
-// written within its line: an escape that leaves room for a soft break, or a
-// CR LF with no space or tab before it. Each block is copied to the output at
-// once; at each stop the escape or line break is written in place (four bytes
-// stored, the fourth overwritten next) and the rest of the block copied again
-// behind it, with no branch that depends on the kind of stop. Returns
-// (advancing i and w exactly as the loop below would) at the first stop or run
-// that needs a soft break or a white space escape, and before the last two
-// blocks of input or where less than kQuopStepRoom of output room is left.
+// Encodes whole blocks from in[i] on. Each block is copied to the output at
+// once; at each stop (an escape or a CR LF) the escape or line break is written
+// in place and the rest of the block copied again behind it, and so is a soft
+// line break where a line fills up. Returns (advancing i and w exactly as the
+// loop below would) where the rule needs more than the block shows: a space or
+// tab before a CR LF, or a byte that fills a line and is the last before a CR
+// LF; and before the last two blocks of input, or where less than
+// kQuopStepRoom of output room is left.
 template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, Writer &w, size_t outRoom)
 {
     constexpr size_t kBlock = Ops::kQuopBlock;
-    static_assert(4 * kBlock + 64 <= kQuopStepRoom);
-    const size_t room = w.limit - 1; // the columns a line may fill before its soft break
+    static_assert(6 * kBlock + 64 <= kQuopStepRoom); // every byte escaped after a soft break
+    const size_t room = w.limit - 1;                 // the columns a line may fill before its soft break
     const auto &hex = tables::hexUpper.at;
+    auto softBreak = [&] {
+        std::memcpy(w.out + w.length, "=\r\n", 3);
+        w.length += 3;
+        w.column = 0;
+    };
+    auto lastOnLine = [&](size_t at) { return in[at + 1] == '\r' && in[at + 2] == '\n'; };
     while (n - i > 2 * kBlock && outRoom - w.length >= kQuopStepRoom) {
         _mm_prefetch(reinterpret_cast<const char *>(in + i + kPrefetchAhead), _MM_HINT_T0);
         if constexpr (requires(size_t at) { Ops::quopWholeBlock(in, room, w.out, at, at); }) {
@@ -124,45 +129,64 @@ template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, W
         uint64_t stops = Ops::quopStops(in + i) & ~(hardBreaks << 1); // a CR LF is one stop
         size_t pos = 0;                                               // in[i, i + pos) is written
         Ops::copyBlock(in + i, w.out + w.length);
+        // The literals in[i + pos, i + end), already copied, with soft breaks
+        // where lines fill up; false at a byte the loop below must place.
+        auto literals = [&](size_t end) {
+            // (The column passes room only after a byte that filled its line,
+            // and a CR LF follows that at once: then end is pos.)
+            while (end > pos && w.column + (end - pos) > room) {
+                size_t fit = w.column < room ? room - w.column : 0;
+                w.length += fit;
+                w.column += fit;
+                pos += fit;
+                if (lastOnLine(i + pos))
+                    return false;
+                softBreak();
+                Ops::copyBlock(in + i + pos, w.out + w.length);
+            }
+            w.length += end - pos;
+            w.column += end - pos;
+            pos = end;
+            return true;
+        };
         for (; stops; stops &= stops - 1) {
             size_t p = static_cast<size_t>(__builtin_ctzll(stops));
             size_t run = p - pos;
-            if (w.column + run > room) {
+            if (!literals(p)) {
                 i += pos;
                 return;
             }
-            w.length += run;
-            w.column += run;
-            // Which kind of stop is a data bit, not a branch: the two mix
-            // unpredictably in text.
-            const uint64_t hard = hardBreaks >> p & 1;
-            // The byte written last comes from the input when it was copied (a
-            // read of the output just stored a block at a time would wait).
-            const uint64_t spaceBefore = w.column > 0 && isSpaceOrTab(run > 0 ? in[i + p - 1] : w.out[w.length - 1]);
-            const uint64_t noRoom = w.column + 3 > room;
-            if ((hard & spaceBefore) | (~hard & noRoom)) {
-                i += p;
-                return;
+            const bool hard = hardBreaks >> p & 1;
+            if (hard) {
+                // The byte written last comes from the input when it was copied
+                // (a read of the output just stored a block at a time would wait).
+                if (w.column > 0 && isSpaceOrTab(run > 0 ? in[i + p - 1] : w.out[w.length - 1])) {
+                    i += p;
+                    return;
+                }
+                std::memcpy(w.out + w.length, "\r\n", 2);
+                w.length += 2;
+                w.column = 0;
+            } else {
+                if (w.column + 3 > room) {
+                    if (lastOnLine(i + p)) {
+                        i += p;
+                        return;
+                    }
+                    softBreak();
+                }
+                const uint8_t b = in[i + p];
+                const uint8_t escape[3] = {'=', hex[b >> 4], hex[b & 15]};
+                std::memcpy(w.out + w.length, escape, 3);
+                w.length += 3;
+                w.column += 3;
             }
-            const uint8_t b = in[i + p];
-            const uint32_t escape = uint32_t{'='} | uint32_t{hex[b >> 4]} << 8 | uint32_t{hex[b & 15]} << 16;
-            const uint32_t crLf = uint32_t{'\r'} | uint32_t{'\n'} << 8;
-            const uint32_t written = escape ^ ((escape ^ crLf) & (0 - static_cast<uint32_t>(hard)));
-            std::memcpy(w.out + w.length, &written, 4);
-            w.length += 3 - hard;
-            w.column = (w.column + 3) & (hard - 1);
             pos = p + 1 + hard;
             Ops::copyBlock(in + i + pos, w.out + w.length);
         }
-        if (pos < kBlock) {
-            size_t run = kBlock - pos;
-            if (w.column + run > room) {
-                i += pos;
-                return;
-            }
-            w.length += run;
-            w.column += run;
-            pos = kBlock;
+        if (pos < kBlock && !literals(kBlock)) {
+            i += pos;
+            return;
         }
         i += pos;
     }
