@@ -10,8 +10,6 @@
 #include <pb/pb_string.h>
 
 #include <cstddef>
-#include <utility>
-#include <vector>
 
 namespace mime::rfc2231 {
 
