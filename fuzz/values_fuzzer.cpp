@@ -69,6 +69,15 @@ std::string value(Reader &in)
     return v;
 }
 
+// Holder b takes a's value, shared (retain) or copied (CreateFrom), and so
+// does its model.
+template <class T, class M> void takeOver(T *a, T *&b, const M &ma, M &mb, T *(*take)(T *), void (*release)(T *))
+{
+    release(b);
+    b = take(a);
+    mb = ma;
+}
+
 // The C functions of a parameterized value, each form.
 template <class T> struct Api {
     T *(*createCstr)(const char *, PB_INT);
@@ -215,16 +224,10 @@ template <class T> void step(const Api<T> &api, Reader &in, T *&a, T *&b, Model 
     Ref<PB_STRING> ks = adopt(pbStringCreateFromCstr(k.data(), static_cast<PB_INT>(k.size())));
     Ref<PB_STRING> vs = adopt(pbStringCreateFromCstr(v.data(), static_cast<PB_INT>(v.size())));
     const std::wstring kw = wide(k), vw = wide(v);
-    switch (in.next() % 9) {
-    case 0: // b shares a's reference
-        api.release(b);
-        b = api.retain(a);
-        mb = ma;
-        break;
-    case 1: // b is a copy of a
-        api.release(b);
-        b = api.createFrom(a);
-        mb = ma;
+    switch (const uint8_t op = in.next() % 9) {
+    case 0:
+    case 1:
+        takeOver(a, b, ma, mb, op == 0 ? api.retain : api.createFrom, api.release);
         break;
     case 2: {
         const std::string name = api.names[in.next() % 4];
@@ -380,16 +383,10 @@ void entityStep(Reader &in, MIME_ENTITY *&a, MIME_ENTITY *&b, EntityModel &ma, E
     const Field &field = kFields[in.next() % 4];
     const size_t f = static_cast<size_t>(&field - kFields);
     const std::string v = value(in);
-    switch (in.next() % 6) {
+    switch (const uint8_t op = in.next() % 6) {
     case 0:
-        mimeEntityRelease(b);
-        b = mimeEntityRetain(a);
-        mb = ma;
-        break;
     case 1:
-        mimeEntityRelease(b);
-        b = mimeEntityCreateFrom(a);
-        mb = ma;
+        takeOver(a, b, ma, mb, op == 0 ? mimeEntityRetain : mimeEntityCreateFrom, mimeEntityRelease);
         break;
     case 2: {
         const uint8_t form = in.next() % 3;
@@ -492,16 +489,10 @@ OptionsModel optionsModel(MIME_OPTIONS *o)
 void optionsStep(Reader &in, MIME_OPTIONS *&a, MIME_OPTIONS *&b, OptionsModel &ma, OptionsModel &mb)
 {
     const size_t i = in.next() % kSettingCount;
-    switch (in.next() % 4) {
+    switch (const uint8_t op = in.next() % 4) {
     case 0:
-        mimeOptionsRelease(b);
-        b = mimeOptionsRetain(a);
-        mb = ma;
-        break;
     case 1:
-        mimeOptionsRelease(b);
-        b = mimeOptionsCreateFrom(a);
-        mb = ma;
+        takeOver(a, b, ma, mb, op == 0 ? mimeOptionsRetain : mimeOptionsCreateFrom, mimeOptionsRelease);
         break;
     case 2:
         ma.values[i] = kSettings[i].valid(in.next());
