@@ -413,6 +413,7 @@ struct Block {
     Ref<PB_STRING> text;
     std::vector<PB_INT> cuts;
     bool encoded = false;
+    std::vector<PB_CHAR> firstKey; // the key of segment 0: where the block goes in key order
 
     PB_INT count() const { return static_cast<PB_INT>(cuts.size()) - 1; }
 };
@@ -525,22 +526,22 @@ void mime::rfc2231::encode(PB_DICT *source, MIME_OPTIONS *mo, Write write, void 
         Ref<PB_STRING> name = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
         if (!mime___Rfc2231IsAttribute(pbStringBacking(name.get()), pbStringLength(name.get())))
             continue;
-        Block block{std::move(name), {}, {}, false};
+        Block block{std::move(name), {}, {}, false, {}};
         if (mime::chars::isAscii(pbStringBacking(value.get()), pbStringLength(value.get()))) {
             block.text = std::move(value);
             cutPlain(block, maxLength);
         } else if (!cutExtended(block, value.get(), charset, maxLength)) {
             continue;
         }
+        mime::SmallVector<PB_CHAR, 64> key;
+        segmentKey(block, block.count() == 1 ? -1 : 0, key);
+        block.firstKey.assign(key.data(), key.data() + key.size());
         blocks.push_back(std::move(block));
     }
     // A name's keys are contiguous in key order (no name holds "*"), so the
     // blocks go in the order of their first keys.
-    mime::SmallVector<PB_CHAR, 64> a, b;
-    std::stable_sort(blocks.begin(), blocks.end(), [&](const Block &x, const Block &y) {
-        segmentKey(x, x.count() == 1 ? -1 : 0, a);
-        segmentKey(y, y.count() == 1 ? -1 : 0, b);
-        return std::lexicographical_compare(a.data(), a.data() + a.size(), b.data(), b.data() + b.size());
+    std::stable_sort(blocks.begin(), blocks.end(), [](const Block &x, const Block &y) {
+        return std::lexicographical_compare(x.firstKey.begin(), x.firstKey.end(), y.firstKey.begin(), y.firstKey.end());
     });
     mime::SmallVector<PB_CHAR, 64> key;
     for (const Block &block : blocks) {
