@@ -1,4 +1,5 @@
 #include <mime/mime_char.hpp>
+#include <mime/mime_common_words.hpp>
 #include <mime/mime_content_type.h>
 #include <mime/mime_defect.hpp>
 #include <mime/mime_parameter_grammar.hpp>
@@ -345,7 +346,7 @@ MIME_CONTENT_TYPE *mime::readContentType(PB_STRING *contentType, MIME_OPTIONS *m
         pieces.appendWord(0, true, chars);
         chars.push_back('/');
         pieces.appendWord(2, true, chars);
-        name = adopt(pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size())));
+        name = adopt(mime::commonWords::string(chars.data(), chars.size()));
         bad = mimeContentTypeNameOk(name.get()) ? -1 : 0;
     }
     if (bad >= 0) {

@@ -1,4 +1,5 @@
 #include <mime/mime_char.hpp>
+#include <mime/mime_common_words.hpp>
 #include <mime/mime_parameter_grammar.hpp>
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_rfc2231.hpp>
@@ -89,7 +90,7 @@ PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
 {
     Chars chars;
     appendWord(i, lower, chars);
-    return pbStringCreateFromCharsCopy(chars.data(), static_cast<PB_INT>(chars.size()));
+    return commonWords::string(chars.data(), chars.size());
 }
 
 namespace {
@@ -171,14 +172,8 @@ struct Collected {
         return true;
     }
 
-    PB_STRING *keyString(const Pair &p) const
-    {
-        return pbStringCreateFromCharsCopy(chars.data() + p.key, static_cast<PB_INT>(p.keyLength));
-    }
-    PB_STRING *valueString(const Pair &p) const
-    {
-        return pbStringCreateFromCharsCopy(valueOf(p), static_cast<PB_INT>(p.valueLength));
-    }
+    PB_STRING *keyString(const Pair &p) const { return commonWords::string(chars.data() + p.key, p.keyLength); }
+    PB_STRING *valueString(const Pair &p) const { return commonWords::string(valueOf(p), p.valueLength); }
 };
 
 void set(PB_DICT **dict, Ref<PB_STRING> key, Ref<PB_STRING> value)
@@ -200,13 +195,13 @@ PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::Tolerance &lo
     struct Context {
         const Collected &collected;
         PB_DICT *result;
-    } context{collected, pbDictCreate()};
+    } context{collected, pb___DictCreateWithRoom(static_cast<PB_INT>(collected.pairs.size()))};
     mime::rfc2231::decode(
         entries.data(), entries.size(),
         [](void *c, size_t entry, Span name, PB_STRING *decoded) {
             auto *ctx = static_cast<Context *>(c);
             const Collected::Pair &p = ctx->collected.pairs.data()[entry];
-            set(&ctx->result, adopt(pbStringCreateFromCharsCopy(name.chars, name.length)),
+            set(&ctx->result, adopt(commonWords::string(name.chars, static_cast<size_t>(name.length))),
                 decoded ? pb::retained(decoded) : adopt(ctx->collected.valueString(p)));
         },
         &context, lookup);
@@ -292,7 +287,7 @@ PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc223
     // Without a key of an RFC 2231 form the decoding would give the same parameters.
     if (collected.rfc2231 && (mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))
         return decodedRfc2231(collected, lookup);
-    PB_DICT *result = pbDictCreate();
+    PB_DICT *result = pb___DictCreateWithRoom(static_cast<PB_INT>(collected.pairs.size()));
     for (size_t i = 0; i < collected.pairs.size(); ++i) {
         const Collected::Pair &p = collected.pairs.data()[i];
         set(&result, adopt(collected.keyString(p)), adopt(collected.valueString(p)));

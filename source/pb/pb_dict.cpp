@@ -76,6 +76,16 @@ PB_DICT *pbDictCreate(void) noexcept
     return d;
 }
 
+PB_DICT *pb___DictCreateWithRoom(PB_INT entries) noexcept
+{
+    PB_ASSERT( entries >= 0 && entries <= INT32_MAX / 2 );
+    size_t room = sizeof(pb::MapNode) * static_cast<size_t>(entries);
+    auto *d =
+        reinterpret_cast<PB_DICT *>(pb___ObjCreate(static_cast<PB_INT>(sizeof(PB_DICT) + room), &pb___sort_PB_DICT));
+    pb::mapInitWithRoom(d->map, reinterpret_cast<pb::MapNode *>(d + 1), static_cast<int32_t>(entries));
+    return d;
+}
+
 PB_INT pbDictLength(PB_DICT *dict) noexcept
 {
     PB_ASSERT( dict );

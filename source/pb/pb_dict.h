@@ -39,6 +39,10 @@ PB_API PB_BOOL pbDictEquals(PB_DICT *objA, PB_DICT *objB) PB_NOEXCEPT;
 
 /** Returns a new empty dictionary. */
 PB_API PB_DICT *pbDictCreate(void) PB_NOEXCEPT;
+/** Internal, for the runtime's modules: a new empty dictionary with room for
+ * entries entries in its own allocation, for a dictionary whose size is known
+ * when it is made. More entries move to storage of their own, as usual. */
+PB_API PB_DICT *pb___DictCreateWithRoom(PB_INT entries) PB_NOEXCEPT;
 /** The number of entries. */
 PB_API PB_INT pbDictLength(PB_DICT *dict) PB_NOEXCEPT;
 

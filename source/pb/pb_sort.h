@@ -20,9 +20,10 @@ typedef struct PB_OBJ_HEADER {
     int64_t reserved[6]; /* words 5-10: 0 */
 } PB_OBJ_HEADER;
 
-#define PB_OBJ_KIND_HEAP 0   /* created by pb___ObjCreate, freed at count 0 */
-#define PB_OBJ_KIND_SORT 1   /* a static sort record */
-#define PB_OBJ_KIND_MODULE 2 /* a static module object */
+#define PB_OBJ_KIND_HEAP 0     /* created by pb___ObjCreate, freed at count 0 */
+#define PB_OBJ_KIND_SORT 1     /* a static sort record */
+#define PB_OBJ_KIND_MODULE 2   /* a static module object */
+#define PB_OBJ_KIND_CONSTANT 3 /* an object of a heap sort kept for the life of the process */
 
 /** Header of a static record: never freed; retain and release leave its count at 1. */
 #define PB_OBJ_HEADER_STATIC(kind) \

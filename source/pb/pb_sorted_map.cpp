@@ -108,10 +108,14 @@ int32_t allocateNode(Map &m)
     if (m.used == m.capacity) {
         PB_ASSERT_MSG("dictionary too large", m.capacity < INT32_MAX / 2);
         int32_t capacity = std::max(8, m.capacity * 2);
-        auto *nodes = static_cast<MapNode *>(std::realloc(m.nodes, sizeof(MapNode) * static_cast<size_t>(capacity)));
+        size_t bytes = sizeof(MapNode) * static_cast<size_t>(capacity);
+        auto *nodes = static_cast<MapNode *>(m.roomNodes ? std::malloc(bytes) : std::realloc(m.nodes, bytes));
         PB_ASSERT_MSG("out of memory", nodes);
+        if (m.roomNodes)
+            std::memcpy(nodes, m.nodes, sizeof(MapNode) * static_cast<size_t>(m.used));
         m.nodes = nodes;
         m.capacity = capacity;
+        m.roomNodes = false;
     }
     return m.used++;
 }
@@ -128,7 +132,12 @@ void releaseEntry(MapNode &n)
 
 void mapInit(Map &m) noexcept
 {
-    m = Map{nullptr, 0, 0, -1, -1};
+    m = Map{nullptr, 0, 0, -1, -1, false};
+}
+
+void mapInitWithRoom(Map &m, MapNode *room, int32_t capacity) noexcept
+{
+    m = capacity > 0 ? Map{room, 0, capacity, -1, -1, true} : Map{nullptr, 0, 0, -1, -1, false};
 }
 
 void mapCopy(Map &to, const Map &from) noexcept
@@ -152,7 +161,8 @@ void mapDestroy(Map &m) noexcept
 {
     for (int32_t i = 0; i < m.used; ++i)
         releaseEntry(m.nodes[i]);
-    std::free(m.nodes);
+    if (!m.roomNodes)
+        std::free(m.nodes);
     m.nodes = poison<MapNode>();
 }
 

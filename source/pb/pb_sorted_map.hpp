@@ -33,9 +33,13 @@ struct Map {
     int32_t capacity;
     int32_t root;     // -1: empty
     int32_t freeList; // -1: none; linked through left
+    bool roomNodes;   // nodes is room inside the owner's allocation, not freed
 };
 
 void mapInit(Map &m) noexcept;
+// An empty map whose first capacity nodes go into room (owned by the caller and
+// living as long as the map); more move to storage of their own.
+void mapInitWithRoom(Map &m, MapNode *room, int32_t capacity) noexcept;
 void mapCopy(Map &to, const Map &from) noexcept; // retains every key and value
 void mapDestroy(Map &m) noexcept;                // releases every key and value
 PB_INT mapLength(const Map &m) noexcept;

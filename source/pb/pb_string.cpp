@@ -189,6 +189,26 @@ PB_STRING *pbStringCreateFromCharsCopy(const PB_CHAR *chars, PB_INT count) noexc
     return s;
 }
 
+PB_STRING *pb___StringCreateConstant(const PB_CHAR *chars, PB_INT count) noexcept
+{
+    PB_ASSERT( count >= 0 && count <= kMaxLength );
+    PB_ASSERT( chars || count == 0 );
+    // Not from pb___ObjCreate: a constant is never freed, so it is not counted
+    // live; the process owns it.
+    size_t bytes = sizeof(PB_STRING) + static_cast<size_t>(count) * sizeof(PB_CHAR);
+    auto *s = static_cast<PB_STRING *>(std::calloc(1, bytes));
+    PB_ASSERT_MSG("out of memory", s);
+    s->header.kind = PB_OBJ_KIND_CONSTANT;
+    s->header.sort = &pb___sort_PB_STRING;
+    s->header.size = static_cast<int64_t>(bytes);
+    s->header.refCount = 1;
+    s->chars = inlineChars(s);
+    s->capacity = s->length = count;
+    if (count)
+        std::memcpy(s->chars, chars, static_cast<size_t>(count) * sizeof(PB_CHAR));
+    return s;
+}
+
 PB_STRING *pbStringCreateFromLeading(PB_STRING *s, PB_INT count) noexcept
 {
     return pbStringCreateFromInner(s, 0, count);

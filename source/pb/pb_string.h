@@ -51,6 +51,13 @@ PB_API PB_STRING *pbStringCreateFromWcstr(const wchar_t *text, PB_INT length) PB
 /** Returns a new string holding a copy of count code points, taken as they are. */
 PB_API PB_STRING *pbStringCreateFromCharsCopy(const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
 
+/** Internal, for the runtime's modules: a string of count code points that lives
+ * for the rest of the process. It is not counted among the live objects, retain
+ * and release leave it alone (so threads share it without writing to it), and a
+ * change goes to a copy, as for any string with more than one holder. For the
+ * few fixed words that a module hands out very often. */
+PB_API PB_STRING *pb___StringCreateConstant(const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
+
 /** Returns a new string of the first count code points of s (count <= length). */
 PB_API PB_STRING *pbStringCreateFromLeading(PB_STRING *s, PB_INT count) PB_NOEXCEPT;
 

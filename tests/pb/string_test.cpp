@@ -103,6 +103,25 @@ TEST(String, EqualityTests)
     EXPECT_TRUE(pbStringEqualsCaseFoldWcstr(s.get(), L"CONTENT-type", -1));
 }
 
+// A constant is one object for every holder: not counted live, untouched by
+// retain and release, equal to the same text made anew, and changed by copy.
+TEST(String, ConstantIsSharedAndChangedByCopy)
+{
+    const PB_CHAR word[] = {'u', 't', 'f', '-', '8'};
+    PB_INT live = pb___ObjLiveCount();
+    PB_STRING *constant = pb___StringCreateConstant(word, 5);
+    EXPECT_EQ(pb___ObjLiveCount(), live);
+    for (int i = 0; i < 3; ++i)
+        pbStringRelease(pbStringRetain(constant));
+    pbStringRelease(constant); // a holder's release leaves it for the others
+    Ref<PB_STRING> holder = adopt(pbStringRetain(constant));
+    EXPECT_TRUE(pbStringEquals(holder.get(), str("utf-8").get()));
+    pbStringAppendChar(holder.addr(), '!');
+    EXPECT_NE(holder.get(), constant);
+    EXPECT_EQ(utf8(holder.get()), "utf-8!");
+    EXPECT_EQ(utf8(constant), "utf-8");
+}
+
 // Appends in random places and checks against std::u32string.
 TEST(String, RandomEditsMatchStdString)
 {
