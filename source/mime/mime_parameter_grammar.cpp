@@ -7,6 +7,8 @@
 #include <mime/mime_shf_token.hpp>
 #include <pb/pb_ref.hpp>
 
+#include <algorithm>
+
 namespace mime::parameters {
 
 using pb::adopt;
@@ -172,6 +174,14 @@ struct Collected {
         return true;
     }
 
+    // A dictionary with room for the usual few parameters in its own
+    // allocation; pairs of one key repeated make one entry, so a long list
+    // grows the dictionary as it fills instead.
+    PB_DICT *newDictionary() const
+    {
+        return pb___DictCreateWithRoom(static_cast<PB_INT>(std::min(pairs.size(), size_t{8})));
+    }
+
     PB_STRING *keyString(const Pair &p) const { return commonWords::string(chars.data() + p.key, p.keyLength); }
     PB_STRING *valueString(const Pair &p) const { return commonWords::string(valueOf(p), p.valueLength); }
 };
@@ -195,7 +205,7 @@ PB_DICT *decodedRfc2231(const Collected &collected, const rfc2231::Tolerance &lo
     struct Context {
         const Collected &collected;
         PB_DICT *result;
-    } context{collected, pb___DictCreateWithRoom(static_cast<PB_INT>(collected.pairs.size()))};
+    } context{collected, collected.newDictionary()};
     mime::rfc2231::decode(
         entries.data(), entries.size(),
         [](void *c, size_t entry, Span name, PB_STRING *decoded) {
@@ -287,7 +297,7 @@ PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc223
     // Without a key of an RFC 2231 form the decoding would give the same parameters.
     if (collected.rfc2231 && (mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))
         return decodedRfc2231(collected, lookup);
-    PB_DICT *result = pb___DictCreateWithRoom(static_cast<PB_INT>(collected.pairs.size()));
+    PB_DICT *result = collected.newDictionary();
     for (size_t i = 0; i < collected.pairs.size(); ++i) {
         const Collected::Pair &p = collected.pairs.data()[i];
         set(&result, adopt(collected.keyString(p)), adopt(collected.valueString(p)));

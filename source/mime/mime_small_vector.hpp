@@ -9,6 +9,7 @@
 #include <type_traits>
 
 #include <pb/pb_abort.h>
+#include <pb/pb_mem.h>
 
 namespace mime {
 
@@ -56,6 +57,7 @@ private:
         size_t capacity = capacity_ * 2 > need ? capacity_ * 2 : need;
         T *fresh = static_cast<T *>(std::malloc(capacity * sizeof(T)));
         PB_ASSERT_MSG("out of memory", fresh);
+        pb___MemAdviseLarge(fresh, static_cast<PB_INT>(capacity * sizeof(T)));
         std::memcpy(fresh, data_, size_ * sizeof(T));
         if (data_ != inline_)
             std::free(data_);

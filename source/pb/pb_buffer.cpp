@@ -1,5 +1,6 @@
 #include <pb/pb_buffer.h>
 #include <pb/pb_int.h>
+#include <pb/pb_mem.h>
 #include <pb/pb_sort.hpp>
 #include <pb/pb_string.h>
 
@@ -10,7 +11,6 @@
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
-#include <sys/mman.h>
 #include <utility>
 
 namespace {
@@ -29,22 +29,9 @@ std::atomic_ref<int64_t> refsOf(Storage *st)
     return std::atomic_ref<int64_t>(st->refs);
 }
 
-// Large storage asks for huge pages where the system grants them on request:
-// filling a fresh body of many megabytes then costs a few page faults instead of
-// one per 4 KiB page, which would otherwise dominate a pass of a codec.
-// Storage of this size and more is large: it asks for huge pages and is kept
-// for reuse when freed.
+// Storage of this size and more is large: it asks for huge pages
+// (pb___MemAdviseLarge) and is kept for reuse when freed.
 constexpr PB_INT kLarge = PB_INT{2} << 20;
-
-void adviseLarge(Storage *st, PB_INT capacity)
-{
-    constexpr uintptr_t kPage = 4096;
-    if (capacity < kLarge)
-        return;
-    uintptr_t start = (reinterpret_cast<uintptr_t>(st->bytes()) + kPage - 1) & ~(kPage - 1);
-    uintptr_t end = (reinterpret_cast<uintptr_t>(st->bytes()) + static_cast<uintptr_t>(capacity)) & ~(kPage - 1);
-    madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE); // advice only: failure changes nothing
-}
 
 // Freed large storage, kept for the next large buffer: a codec pass over a big
 // body then writes into memory that the kernel has already mapped and zeroed,
@@ -96,7 +83,7 @@ Storage *storageCreate(PB_INT capacity)
     if (!st) {
         st = static_cast<Storage *>(std::malloc(sizeof(Storage) + static_cast<size_t>(capacity)));
         PB_ASSERT_MSG("out of memory", st);
-        adviseLarge(st, capacity);
+        pb___MemAdviseLarge(st->bytes(), capacity);
         st->capacity = capacity;
     }
     st->refs = 1;
@@ -212,7 +199,7 @@ void reserve(PB_BUFFER **buf, PB_INT extraBytes)
     if (own && b->offset == 0) {
         auto *grown = static_cast<Storage *>(std::realloc(st, sizeof(Storage) + static_cast<size_t>(capacity)));
         PB_ASSERT_MSG("out of memory", grown);
-        adviseLarge(grown, capacity);
+        pb___MemAdviseLarge(grown->bytes(), capacity);
         grown->capacity = capacity;
         b->storage = grown;
         return;

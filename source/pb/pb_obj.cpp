@@ -1,3 +1,4 @@
+#include <pb/pb_mem.h>
 #include <pb/pb_module.h>
 #include <pb/pb_obj.hpp>
 #include <pb/pb_string.h>
@@ -180,6 +181,7 @@ PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) noexcept
     auto *header = static_cast<PB_OBJ_HEADER *>(std::malloc(static_cast<size_t>(size)));
     PB_ASSERT_MSG("out of memory", header);
     __asm__ volatile("" : : "r"(header) : "memory");
+    pb___MemAdviseLarge(header, size);
     std::memset(header, 0, static_cast<size_t>(size));
     header->kind = PB_OBJ_KIND_HEAP;
     header->sort = sort;

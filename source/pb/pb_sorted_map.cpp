@@ -1,4 +1,5 @@
 #include <pb/pb_abort.h>
+#include <pb/pb_mem.h>
 #include <pb/pb_obj.hpp>
 #include <pb/pb_random.hpp>
 #include <pb/pb_sorted_map.hpp>
@@ -111,6 +112,7 @@ int32_t allocateNode(Map &m)
         size_t bytes = sizeof(MapNode) * static_cast<size_t>(capacity);
         auto *nodes = static_cast<MapNode *>(m.roomNodes ? std::malloc(bytes) : std::realloc(m.nodes, bytes));
         PB_ASSERT_MSG("out of memory", nodes);
+        pb___MemAdviseLarge(nodes, static_cast<PB_INT>(bytes));
         if (m.roomNodes)
             std::memcpy(nodes, m.nodes, sizeof(MapNode) * static_cast<size_t>(m.used));
         m.nodes = nodes;

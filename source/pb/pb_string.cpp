@@ -1,4 +1,5 @@
 #include <pb/pb_int.h>
+#include <pb/pb_mem.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_sort.hpp>
 #include <pb/pb_string.hpp>
@@ -74,10 +75,12 @@ void reserve(PB_STRING **s, PB_INT extra)
     if (str->chars == inlineChars(str)) {
         chars = static_cast<PB_CHAR *>(std::malloc(bytes));
         PB_ASSERT_MSG("out of memory", chars);
+        pb___MemAdviseLarge(chars, static_cast<PB_INT>(bytes));
         std::memcpy(chars, str->chars, static_cast<size_t>(str->length) * sizeof(PB_CHAR));
     } else {
         chars = static_cast<PB_CHAR *>(std::realloc(str->chars, bytes));
         PB_ASSERT_MSG("out of memory", chars);
+        pb___MemAdviseLarge(chars, static_cast<PB_INT>(bytes));
     }
     str->chars = chars;
     str->capacity = capacity;

@@ -1,3 +1,4 @@
+#include <pb/pb_mem.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_sort.hpp>
 #include <pb/pb_string.h>
@@ -67,6 +68,7 @@ void grow(PB_VECTOR *v, PB_INT need)
     PB_INT capacity = std::max({need, v->capacity * 2, PB_INT{4}});
     auto *items = static_cast<PB_OBJ **>(std::realloc(v->items, sizeof(PB_OBJ *) * static_cast<size_t>(capacity)));
     PB_ASSERT_MSG("out of memory", items);
+    pb___MemAdviseLarge(items, static_cast<PB_INT>(sizeof(PB_OBJ *) * static_cast<size_t>(capacity)));
     v->items = items;
     v->capacity = capacity;
 }
