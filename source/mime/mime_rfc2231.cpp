@@ -4,6 +4,7 @@
 #include <mime/mime_rfc2231.h>
 #include <mime/mime_rfc2231.hpp>
 #include <mime/mime_small_vector.hpp>
+#include <mime/mime_vector.hpp>
 #include <pb/pb_buffer.h>
 #include <pb/pb_charset.h>
 #include <pb/pb_int.h>
@@ -411,9 +412,9 @@ namespace {
 struct Block {
     Ref<PB_STRING> name;
     Ref<PB_STRING> text;
-    std::vector<PB_INT> cuts;
+    mime::Vector<PB_INT> cuts;
     bool encoded = false;
-    std::vector<PB_CHAR> firstKey; // the key of segment 0: where the block goes in key order
+    mime::Vector<PB_CHAR> firstKey; // the key of segment 0: where the block goes in key order
 
     PB_INT count() const { return static_cast<PB_INT>(cuts.size()) - 1; }
 };
@@ -521,7 +522,7 @@ void mime::rfc2231::encode(PB_DICT *source, MIME_OPTIONS *mo, Write write, void 
 {
     PB_CHARSET charset = mimeOptionsRfc2231Charset(mo);
     PB_INT maxLength = mimeOptionsRfc2231MaxSegmentLength(mo);
-    std::vector<Block> blocks;
+    mime::Vector<Block> blocks;
     for (PB_INT i = 0; i < pbDictLength(source); ++i) {
         Ref<PB_STRING> name = textOf(pbDictKeyAt(source, i)), value = textOf(pbDictValueAt(source, i));
         if (!mime___Rfc2231IsAttribute(pbStringBacking(name.get()), pbStringLength(name.get())))

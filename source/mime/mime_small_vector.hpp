@@ -23,7 +23,7 @@ public:
     ~SmallVector()
     {
         if (data_ != inline_)
-            std::free(data_);
+            pb___MemRelease(data_, bytes(capacity_));
     }
 
     // Room for count more elements at the end, uninitialised; the pointer is
@@ -55,15 +55,19 @@ private:
         size_t need = size_ + count;
         PB_ASSERT_MSG("out of memory", need >= size_ && need < SIZE_MAX / 2 / sizeof(T));
         size_t capacity = capacity_ * 2 > need ? capacity_ * 2 : need;
-        T *fresh = static_cast<T *>(std::malloc(capacity * sizeof(T)));
-        PB_ASSERT_MSG("out of memory", fresh);
-        pb___MemAdviseLarge(fresh, static_cast<PB_INT>(capacity * sizeof(T)));
-        std::memcpy(fresh, data_, size_ * sizeof(T));
-        if (data_ != inline_)
-            std::free(data_);
+        // Heap storage is resized (a large block is remapped, not copied).
+        T *fresh;
+        if (data_ != inline_) {
+            fresh = static_cast<T *>(pb___MemResize(data_, bytes(capacity_), bytes(capacity)));
+        } else {
+            fresh = static_cast<T *>(pb___MemAlloc(bytes(capacity)));
+            std::memcpy(fresh, data_, size_ * sizeof(T));
+        }
         data_ = fresh;
         capacity_ = capacity;
     }
+
+    static PB_INT bytes(size_t count) { return static_cast<PB_INT>(count * sizeof(T)); }
 
     T inline_[N];
     T *data_ = inline_;

@@ -1,6 +1,7 @@
 #include <pb/pb_buffer.h>
 #include <pb/pb_int.h>
 #include <pb/pb_mem.h>
+#include <pb/pb_mem.hpp>
 #include <pb/pb_sort.hpp>
 #include <pb/pb_string.h>
 
@@ -29,9 +30,9 @@ std::atomic_ref<int64_t> refsOf(Storage *st)
     return std::atomic_ref<int64_t>(st->refs);
 }
 
-// Storage of this size and more is large: it asks for huge pages
-// (pb___MemAdviseLarge) and is kept for reuse when freed.
-constexpr PB_INT kLarge = PB_INT{2} << 20;
+// Storage of this size and more is large: it is a mapping of its own on huge
+// pages (pb___MemAlloc) and is kept for reuse when freed.
+constexpr PB_INT kLarge = pb::mem::kLargeBlock;
 
 // Freed large storage, kept for the next large buffer: a codec pass over a big
 // body then writes into memory that the kernel has already mapped and zeroed,
@@ -77,13 +78,16 @@ private:
 
 constinit LargeBlocks largeBlocks;
 
+PB_INT storageBytes(PB_INT capacity)
+{
+    return static_cast<PB_INT>(sizeof(Storage)) + capacity;
+}
+
 Storage *storageCreate(PB_INT capacity)
 {
     Storage *st = capacity >= kLarge ? largeBlocks.take(capacity) : nullptr;
     if (!st) {
-        st = static_cast<Storage *>(std::malloc(sizeof(Storage) + static_cast<size_t>(capacity)));
-        PB_ASSERT_MSG("out of memory", st);
-        pb___MemAdviseLarge(st->bytes(), capacity);
+        st = static_cast<Storage *>(pb___MemAlloc(storageBytes(capacity)));
         st->capacity = capacity;
     }
     st->refs = 1;
@@ -93,7 +97,7 @@ Storage *storageCreate(PB_INT capacity)
 void storageRelease(Storage *st)
 {
     if (st && refsOf(st).fetch_sub(1) == 1 && !largeBlocks.keep(st))
-        std::free(st);
+        pb___MemRelease(st, storageBytes(st->capacity));
 }
 
 } // namespace
@@ -197,9 +201,7 @@ void reserve(PB_BUFFER **buf, PB_INT extraBytes)
         return;
     PB_INT capacity = std::max({need, std::min(PB_BUFFER_MAX_LENGTH, span * 2), PB_INT{64}});
     if (own && b->offset == 0) {
-        auto *grown = static_cast<Storage *>(std::realloc(st, sizeof(Storage) + static_cast<size_t>(capacity)));
-        PB_ASSERT_MSG("out of memory", grown);
-        pb___MemAdviseLarge(grown->bytes(), capacity);
+        auto *grown = static_cast<Storage *>(pb___MemResize(st, storageBytes(st->capacity), storageBytes(capacity)));
         grown->capacity = capacity;
         b->storage = grown;
         return;

@@ -1,6 +1,7 @@
 #include <pb/pb_abort.h>
 #include <pb/pb_int.h>
 #include <pb/pb_mem.h>
+#include <pb/pb_mem.hpp>
 
 #include <cstdint>
 #include <cstdlib>
@@ -16,14 +17,83 @@ PB_INT pbMemCompare(const void *a, const void *b, PB_INT count) noexcept
     return std::memcmp(a, b, static_cast<size_t>(count));
 }
 
-void pb___MemAdviseLarge(void *memory, PB_INT bytes) noexcept
+namespace {
+
+constexpr size_t kHugePage = size_t{2} << 20;
+
+size_t mappedSize(PB_INT bytes)
 {
-    constexpr uintptr_t kPage = 4096;
-    if (bytes < (PB_INT{2} << 20))
+    return (static_cast<size_t>(bytes) + kHugePage - 1) & ~(kHugePage - 1);
+}
+
+void adviseHuge(void *memory, size_t bytes)
+{
+    madvise(memory, bytes, MADV_HUGEPAGE); // advice only: failure changes nothing
+}
+
+// A mapping of size bytes (a multiple of 2 MiB) that starts on a 2 MiB
+// boundary, so that all of it can be huge pages: map 2 MiB more, cut the ends.
+void *mapLarge(size_t size)
+{
+    void *raw = mmap(nullptr, size + kHugePage, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    PB_ASSERT_MSG("out of memory", raw != MAP_FAILED);
+    uintptr_t start = reinterpret_cast<uintptr_t>(raw);
+    uintptr_t aligned = (start + kHugePage - 1) & ~uintptr_t{kHugePage - 1};
+    if (aligned > start)
+        munmap(raw, aligned - start);
+    if (uintptr_t end = start + size + kHugePage; end > aligned + size)
+        munmap(reinterpret_cast<void *>(aligned + size), end - aligned - size);
+    adviseHuge(reinterpret_cast<void *>(aligned), size);
+    return reinterpret_cast<void *>(aligned);
+}
+
+} // namespace
+
+void *pb___MemAlloc(PB_INT bytes) noexcept
+{
+    PB_ASSERT( bytes >= 0 );
+    if (!pb::mem::isLarge(bytes)) {
+        void *memory = std::malloc(static_cast<size_t>(bytes));
+        PB_ASSERT_MSG("out of memory", memory || bytes == 0);
+        return memory;
+    }
+    return mapLarge(mappedSize(bytes));
+}
+
+void *pb___MemResize(void *memory, PB_INT oldBytes, PB_INT newBytes) noexcept
+{
+    PB_ASSERT( oldBytes >= 0 && newBytes >= 0 );
+    PB_ASSERT( memory || oldBytes == 0 );
+    bool wasLarge = pb::mem::isLarge(oldBytes), large = pb::mem::isLarge(newBytes);
+    if (!wasLarge && !large) {
+        void *resized = std::realloc(memory, static_cast<size_t>(newBytes));
+        PB_ASSERT_MSG("out of memory", resized || newBytes == 0);
+        return resized;
+    }
+    if (wasLarge && large) {
+        size_t from = mappedSize(oldBytes), to = mappedSize(newBytes);
+        if (from == to)
+            return memory;
+        void *moved = mremap(memory, from, to, MREMAP_MAYMOVE);
+        PB_ASSERT_MSG("out of memory", moved != MAP_FAILED);
+        adviseHuge(moved, to);
+        return moved;
+    }
+    void *fresh = pb___MemAlloc(newBytes);
+    if (PB_INT kept = oldBytes < newBytes ? oldBytes : newBytes)
+        std::memcpy(fresh, memory, static_cast<size_t>(kept));
+    pb___MemRelease(memory, oldBytes);
+    return fresh;
+}
+
+void pb___MemRelease(void *memory, PB_INT bytes) noexcept
+{
+    if (!memory)
         return;
-    uintptr_t start = (reinterpret_cast<uintptr_t>(memory) + kPage - 1) & ~(kPage - 1);
-    uintptr_t end = (reinterpret_cast<uintptr_t>(memory) + static_cast<uintptr_t>(bytes)) & ~(kPage - 1);
-    madvise(reinterpret_cast<void *>(start), end - start, MADV_HUGEPAGE); // failure changes nothing
+    if (pb::mem::isLarge(bytes))
+        munmap(memory, mappedSize(bytes));
+    else
+        std::free(memory);
 }
 
 void pbMemFree(void *memory) noexcept

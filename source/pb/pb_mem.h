@@ -16,12 +16,22 @@ PB_API PB_INT pbMemCompare(const void *a, const void *b, PB_INT count) PB_NOEXCE
 /** Frees memory returned by the runtime (pbStringConvertToCstr). Null is ignored. */
 PB_API void pbMemFree(void *memory) PB_NOEXCEPT;
 
-/** Internal, for the runtime's modules: asks for huge pages for the whole 4 KiB
- * pages of memory[0, bytes) when bytes is 2 MiB or more (advice only; nothing
- * changes where the system declines). Filling a fresh block of many megabytes
- * then costs a few page faults instead of one per 4 KiB page, which would
- * otherwise cost more than the work done in it. */
-PB_API void pb___MemAdviseLarge(void *memory, PB_INT bytes) PB_NOEXCEPT;
+/** Internal, for the runtime's modules: a block of bytes (>= 0) that the caller
+ * releases with pb___MemRelease, giving the same size. Blocks under 2 MiB come
+ * from malloc. Larger ones are mapped on their own, on huge pages where the
+ * system grants them, zero-filled, and go back to the system when released: a
+ * block of many megabytes costs a few page faults, the same whatever blocks
+ * were freed before it. Never returns null: running out of memory aborts. */
+PB_API void *pb___MemAlloc(PB_INT bytes) PB_NOEXCEPT;
+
+/** Internal: a block of oldBytes from pb___MemAlloc resized to newBytes, its
+ * first bytes (as many as both sizes hold) kept; a large block is remapped,
+ * not copied. The block may move. */
+PB_API void *pb___MemResize(void *memory, PB_INT oldBytes, PB_INT newBytes) PB_NOEXCEPT;
+
+/** Internal: releases a block of bytes from pb___MemAlloc or pb___MemResize.
+ * Null is ignored. */
+PB_API void pb___MemRelease(void *memory, PB_INT bytes) PB_NOEXCEPT;
 
 PB_END_DECLS
 

@@ -1,4 +1,5 @@
 #include <pb/pb_mem.h>
+#include <pb/pb_mem.hpp>
 #include <pb/pb_module.h>
 #include <pb/pb_obj.hpp>
 #include <pb/pb_string.h>
@@ -177,12 +178,13 @@ PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) noexcept
     PB_ASSERT( size >= (PB_INT)sizeof(PB_OBJ_HEADER) );
     // malloc and memset rather than calloc: small blocks then come from the
     // allocator's per-thread cache, which calloc bypasses. (The empty asm keeps
-    // the compiler from fusing the two back into calloc.)
-    auto *header = static_cast<PB_OBJ_HEADER *>(std::malloc(static_cast<size_t>(size)));
+    // the compiler from fusing the two back into calloc.) Large blocks come
+    // zero-filled, and their pages stay untouched until they are written.
+    const bool large = pb::mem::isLarge(size);
+    auto *header = static_cast<PB_OBJ_HEADER *>(large ? pb___MemAlloc(size) : std::malloc(static_cast<size_t>(size)));
     PB_ASSERT_MSG("out of memory", header);
     __asm__ volatile("" : : "r"(header) : "memory");
-    pb___MemAdviseLarge(header, size);
-    std::memset(header, 0, static_cast<size_t>(size));
+    std::memset(header, 0, large ? sizeof(PB_OBJ_HEADER) : static_cast<size_t>(size));
     header->kind = PB_OBJ_KIND_HEAP;
     header->sort = sort;
     header->size = size;
@@ -201,7 +203,10 @@ void pb___ObjFree(PB_OBJ *obj) noexcept
     // The free function poisoned the fields; poison the sort too, so that a use
     // after free faults at its first look at the sort instead of reading on.
     header->sort = pb::poison<const PB_SORT>();
-    std::free(header);
+    if (pb::mem::isLarge(header->size))
+        pb___MemRelease(header, header->size);
+    else
+        std::free(header);
     countLive(-1);
 }
 

@@ -99,6 +99,11 @@ int32_t eraseNode(Map &m, int32_t t, PB_OBJ *key, int32_t &erased)
     return t;
 }
 
+PB_INT nodeBytes(int32_t count)
+{
+    return static_cast<PB_INT>(sizeof(MapNode)) * count;
+}
+
 int32_t allocateNode(Map &m)
 {
     if (m.freeList >= 0) {
@@ -109,10 +114,9 @@ int32_t allocateNode(Map &m)
     if (m.used == m.capacity) {
         PB_ASSERT_MSG("dictionary too large", m.capacity < INT32_MAX / 2);
         int32_t capacity = std::max(8, m.capacity * 2);
-        size_t bytes = sizeof(MapNode) * static_cast<size_t>(capacity);
-        auto *nodes = static_cast<MapNode *>(m.roomNodes ? std::malloc(bytes) : std::realloc(m.nodes, bytes));
-        PB_ASSERT_MSG("out of memory", nodes);
-        pb___MemAdviseLarge(nodes, static_cast<PB_INT>(bytes));
+        PB_INT bytes = static_cast<PB_INT>(sizeof(MapNode)) * capacity;
+        auto *nodes = static_cast<MapNode *>(m.roomNodes ? pb___MemAlloc(bytes)
+                                                         : pb___MemResize(m.nodes, nodeBytes(m.capacity), bytes));
         if (m.roomNodes)
             std::memcpy(nodes, m.nodes, sizeof(MapNode) * static_cast<size_t>(m.used));
         m.nodes = nodes;
@@ -147,8 +151,7 @@ void mapCopy(Map &to, const Map &from) noexcept
     mapInit(to);
     if (from.used == 0)
         return;
-    to.nodes = static_cast<MapNode *>(std::malloc(sizeof(MapNode) * static_cast<size_t>(from.used)));
-    PB_ASSERT_MSG("out of memory", to.nodes);
+    to.nodes = static_cast<MapNode *>(pb___MemAlloc(nodeBytes(from.used)));
     std::memcpy(to.nodes, from.nodes, sizeof(MapNode) * static_cast<size_t>(from.used));
     to.used = to.capacity = from.used;
     to.root = from.root;
@@ -164,7 +167,7 @@ void mapDestroy(Map &m) noexcept
     for (int32_t i = 0; i < m.used; ++i)
         releaseEntry(m.nodes[i]);
     if (!m.roomNodes)
-        std::free(m.nodes);
+        pb___MemRelease(m.nodes, nodeBytes(m.capacity));
     m.nodes = poison<MapNode>();
 }
 

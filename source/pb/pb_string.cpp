@@ -37,7 +37,7 @@ void pb___StringFreeFunc(PB_OBJ *obj) noexcept
 {
     PB_STRING *s = pbStringFrom(obj);
     if (s->chars != inlineChars(s))
-        std::free(s->chars);
+        pb___MemRelease(s->chars, s->capacity * static_cast<PB_INT>(sizeof(PB_CHAR)));
     s->chars = pb::poison<PB_CHAR>();
 }
 
@@ -73,14 +73,11 @@ void reserve(PB_STRING **s, PB_INT extra)
     size_t bytes = static_cast<size_t>(capacity) * sizeof(PB_CHAR);
     PB_CHAR *chars;
     if (str->chars == inlineChars(str)) {
-        chars = static_cast<PB_CHAR *>(std::malloc(bytes));
-        PB_ASSERT_MSG("out of memory", chars);
-        pb___MemAdviseLarge(chars, static_cast<PB_INT>(bytes));
+        chars = static_cast<PB_CHAR *>(pb___MemAlloc(static_cast<PB_INT>(bytes)));
         std::memcpy(chars, str->chars, static_cast<size_t>(str->length) * sizeof(PB_CHAR));
     } else {
-        chars = static_cast<PB_CHAR *>(std::realloc(str->chars, bytes));
-        PB_ASSERT_MSG("out of memory", chars);
-        pb___MemAdviseLarge(chars, static_cast<PB_INT>(bytes));
+        chars = static_cast<PB_CHAR *>(pb___MemResize(str->chars, str->capacity * static_cast<PB_INT>(sizeof(PB_CHAR)),
+                                                      static_cast<PB_INT>(bytes)));
     }
     str->chars = chars;
     str->capacity = capacity;

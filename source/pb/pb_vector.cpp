@@ -34,7 +34,7 @@ void pb___VectorFreeFunc(PB_OBJ *obj) noexcept
     PB_VECTOR *v = pbVectorFrom(obj);
     for (PB_INT i = 0; i < v->length; ++i)
         pb::release(v->items[i]);
-    std::free(v->items);
+    pb___MemRelease(v->items, v->capacity * static_cast<PB_INT>(sizeof(PB_OBJ *)));
     v->items = pb::poison<PB_OBJ *>();
 }
 
@@ -66,9 +66,8 @@ void grow(PB_VECTOR *v, PB_INT need)
         return;
     PB_ASSERT( need <= PB_INT_MAX / 16 );
     PB_INT capacity = std::max({need, v->capacity * 2, PB_INT{4}});
-    auto *items = static_cast<PB_OBJ **>(std::realloc(v->items, sizeof(PB_OBJ *) * static_cast<size_t>(capacity)));
-    PB_ASSERT_MSG("out of memory", items);
-    pb___MemAdviseLarge(items, static_cast<PB_INT>(sizeof(PB_OBJ *) * static_cast<size_t>(capacity)));
+    auto *items = static_cast<PB_OBJ **>(pb___MemResize(v->items, v->capacity * static_cast<PB_INT>(sizeof(PB_OBJ *)),
+                                                        capacity * static_cast<PB_INT>(sizeof(PB_OBJ *))));
     v->items = items;
     v->capacity = capacity;
 }

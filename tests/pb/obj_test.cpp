@@ -4,7 +4,10 @@
 #include "pb_text.hpp"
 
 #include <gtest/gtest.h>
+#include <pb/pb_mem.h>
 #include <pb/pb_obj.hpp>
+
+#include <algorithm>
 
 using namespace test;
 
@@ -97,6 +100,29 @@ TEST(Obj, StaticRecordsAreNeverCountedOrFreed)
 }
 
 using ObjDeathTest = testing::Test;
+
+// Blocks on either side of the 2 MiB line and resized across it both ways keep
+// their bytes; a fresh large block is zero-filled.
+TEST(Mem, BlocksKeepTheirBytesWhenResized)
+{
+    constexpr PB_INT kMiB = PB_INT{1} << 20;
+    const PB_INT sizes[][2] = {{100, 200},       {kMiB, 3 * kMiB}, {3 * kMiB, 9 * kMiB},
+                               {9 * kMiB, kMiB}, {5 * kMiB, 100},  {2 * kMiB, 2 * kMiB + 1}};
+    for (const auto &[from, to] : sizes) {
+        SCOPED_TRACE(testing::Message() << from << " -> " << to);
+        auto *block = static_cast<unsigned char *>(pb___MemAlloc(from));
+        if (from >= 2 * kMiB) {
+            EXPECT_EQ(block[0] | block[from / 2] | block[from - 1], 0);
+        }
+        for (PB_INT i = 0; i < from; i += 4093)
+            block[i] = static_cast<unsigned char>(i * 7);
+        block = static_cast<unsigned char *>(pb___MemResize(block, from, to));
+        for (PB_INT i = 0; i < std::min(from, to); i += 4093)
+            ASSERT_EQ(block[i], static_cast<unsigned char>(i * 7)) << i;
+        block[to - 1] = 1; // the whole new size is writable
+        pb___MemRelease(block, to);
+    }
+}
 
 TEST(ObjDeathTest, StandardFunctionsAbortWithTheirFamilyText)
 {
