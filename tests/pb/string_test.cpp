@@ -109,7 +109,7 @@ TEST(String, ConstantIsSharedAndChangedByCopy)
 {
     const PB_CHAR word[] = {'u', 't', 'f', '-', '8'};
     PB_INT live = pb___ObjLiveCount();
-    PB_STRING *constant = pb___StringCreateConstant(word, 5);
+    static PB_STRING *const constant = pb___StringCreateConstant(word, 5); // kept for the process
     EXPECT_EQ(pb___ObjLiveCount(), live);
     for (int i = 0; i < 3; ++i)
         pbStringRelease(pbStringRetain(constant));
