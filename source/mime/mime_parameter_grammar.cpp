@@ -22,6 +22,12 @@ bool Pieces::scan(PB_STRING *value) noexcept
     valueLength_ = pbStringLength(value);
     failedAt_ = -1;
     pieces_.clear();
+    // A piece takes at least one character, and mostly two or more with the
+    // spaces and punctuation between words: room for half the characters
+    // spares a long value's list its doublings (and untouched room costs
+    // nothing). Short values keep to the inline room.
+    if (valueLength_ > 4096)
+        pieces_.reserve(static_cast<size_t>(valueLength_) / 2);
     ShfScanner scanner(chars_, valueLength_);
     for (ShfPiece piece{};;) {
         switch (scanner.next(piece)) {
@@ -61,8 +67,9 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
     } else if (!piece.escaped) {
         out.append(c + 1, static_cast<size_t>(n - 2));
     } else {
-        // Runs between backslashes at once; the scanner saw to it that a
-        // character follows each backslash.
+        // Runs between backslashes at once, into room made once; the scanner
+        // saw to it that a character follows each backslash.
+        out.reserve(from + static_cast<size_t>(n));
         PB_INT run = 1;
         for (PB_INT k = 1; k < n - 1; ++k) {
             if (c[k] != '\\')
