@@ -22,12 +22,6 @@ bool Pieces::scan(PB_STRING *value) noexcept
     valueLength_ = pbStringLength(value);
     failedAt_ = -1;
     pieces_.clear();
-    // A piece takes at least one character, and mostly two or more with the
-    // spaces and punctuation between words: room for half the characters
-    // spares a long value's list its doublings (and untouched room costs
-    // nothing). Short values keep to the inline room.
-    if (valueLength_ > 4096)
-        pieces_.reserve(static_cast<size_t>(valueLength_) / 2);
     ShfScanner scanner(chars_, valueLength_);
     for (ShfPiece piece{};;) {
         switch (scanner.next(piece)) {
