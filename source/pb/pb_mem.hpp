@@ -1,17 +1,30 @@
 // Internal: where blocks of memory come from (pb___MemAlloc): malloc below
-// 2 MiB, their own huge-page mappings from there on.
+// 2 MiB, their own huge-page mappings from there on. Under AddressSanitizer
+// every block comes from malloc, so that the sanitizer guards all of them.
 #pragma once
 
 #include <pb/pb_types.h>
 
 namespace pb::mem {
 
+#if defined(__SANITIZE_ADDRESS__)
+constexpr bool kMapsLargeBlocks = false;
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+constexpr bool kMapsLargeBlocks = false;
+#else
+constexpr bool kMapsLargeBlocks = true;
+#endif
+#else
+constexpr bool kMapsLargeBlocks = true;
+#endif
+
 constexpr PB_INT kLargeBlock = PB_INT{2} << 20;
 
 // Whether a block of bytes is mapped on its own (and so comes zero-filled).
 constexpr bool isLarge(PB_INT bytes)
 {
-    return bytes >= kLargeBlock;
+    return kMapsLargeBlocks && bytes >= kLargeBlock;
 }
 
 } // namespace pb::mem

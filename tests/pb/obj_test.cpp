@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 #include <pb/pb_mem.h>
+#include <pb/pb_mem.hpp>
 #include <pb/pb_obj.hpp>
 
 #include <algorithm>
@@ -102,7 +103,7 @@ TEST(Obj, StaticRecordsAreNeverCountedOrFreed)
 using ObjDeathTest = testing::Test;
 
 // Blocks on either side of the 2 MiB line and resized across it both ways keep
-// their bytes; a fresh large block is zero-filled.
+// their bytes; a fresh mapped block is zero-filled.
 TEST(Mem, BlocksKeepTheirBytesWhenResized)
 {
     constexpr PB_INT kMiB = PB_INT{1} << 20;
@@ -111,7 +112,7 @@ TEST(Mem, BlocksKeepTheirBytesWhenResized)
     for (const auto &[from, to] : sizes) {
         SCOPED_TRACE(testing::Message() << from << " -> " << to);
         auto *block = static_cast<unsigned char *>(pb___MemAlloc(from));
-        if (from >= 2 * kMiB) {
+        if (pb::mem::isLarge(from)) {
             EXPECT_EQ(block[0] | block[from / 2] | block[from - 1], 0);
         }
         for (PB_INT i = 0; i < from; i += 4093)
