@@ -61,17 +61,17 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
     } else if (!piece.escaped) {
         out.append(c + 1, static_cast<size_t>(n - 2));
     } else {
-        // Runs between backslashes at once, into room made once; the scanner
-        // saw to it that a character follows each backslash.
-        out.reserve(from + static_cast<size_t>(n));
-        PB_INT run = 1;
+        // A backslash takes the character after it (the scanner saw to it that
+        // one follows). Every character is stored, into room made once, and a
+        // backslash that escapes is written over by the next.
+        PB_CHAR *to = out.extend(static_cast<size_t>(n - 2)), *start = to;
+        bool escaping = false;
         for (PB_INT k = 1; k < n - 1; ++k) {
-            if (c[k] != '\\')
-                continue;
-            out.append(c + run, static_cast<size_t>(k - run));
-            run = ++k;
+            *to = c[k];
+            escaping = c[k] == '\\' && !escaping;
+            to += !escaping;
         }
-        out.append(c + run, static_cast<size_t>(n - 1 - run));
+        out.truncate(from + static_cast<size_t>(to - start));
     }
     if (lower)
         for (PB_CHAR *p = out.data() + from, *end = out.data() + out.size(); p != end; ++p)

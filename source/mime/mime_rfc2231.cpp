@@ -8,11 +8,13 @@
 #include <pb/pb_buffer.h>
 #include <pb/pb_charset.h>
 #include <pb/pb_int.h>
+#include <pb/pb_random.h>
 #include <pb/pb_ref.hpp>
 #include <pb/pb_unicode.h>
 #include <pb/pb_vector.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <vector>
 
 namespace {
@@ -137,155 +139,177 @@ bool appendPlain(PB_STRING **joined, Span text)
 // Entry indices in visiting order.
 using Visits = mime::SmallVector<size_t, 16>;
 
-// One index per key, in key order: for equal keys the last entry given, as
-// setting them into a dictionary one after another would leave it.
+// A later segment's key, "name*N" or "name*N*" with N from 1 written as "%i"
+// writes it.
+struct SegmentKey {
+    Span name;
+    PB_INT number;
+    bool encoded;
+};
+
+// Whether key is a later segment's, and which.
+bool segmentKey(Span key, SegmentKey &segment)
+{
+    PB_INT end = key.length;
+    bool encoded = end > 0 && key.chars[end - 1] == '*';
+    end -= encoded;
+    PB_INT star = end - 1;
+    while (star >= 0 && key.chars[star] >= '0' && key.chars[star] <= '9')
+        --star;
+    if (star < 0 || key.chars[star] != '*' || star + 1 == end || key.chars[star + 1] == '0')
+        return false;
+    PB_INT number = 0;
+    for (PB_INT i = star + 1; i < end; ++i) {
+        PB_INT digit = static_cast<PB_INT>(key.chars[i] - '0');
+        if (number > (PB_INT_MAX - digit) / 10)
+            return false;
+        number = number * 10 + digit;
+    }
+    segment = {{key.chars, star}, number, encoded};
+    return true;
+}
+
+// One index per key but the later segments', in key order: for equal keys the
+// last entry given, as setting them into a dictionary one after another would
+// leave it. A run of one key given again and again is cut to its last before
+// the sort.
 void visitingOrder(const Entry *entries, size_t count, Visits &visits)
 {
-    for (size_t i = 0; i < count; ++i)
-        visits.push_back(i);
-    size_t *v = visits.data();
     auto keyOrder = [&](size_t a, size_t b) { return order(entries[a].key, entries[b].key); };
+    for (size_t i = 0; i < count; ++i) {
+        SegmentKey segment;
+        if (segmentKey(entries[i].key, segment))
+            continue;
+        if (visits.size() > 0 && keyOrder(visits.data()[visits.size() - 1], i) == 0)
+            visits.data()[visits.size() - 1] = i;
+        else
+            visits.push_back(i);
+    }
+    size_t *v = visits.data();
+    const size_t n = visits.size();
     bool strictlySorted = true;
-    for (size_t i = 1; i < count && strictlySorted; ++i)
+    for (size_t i = 1; i < n && strictlySorted; ++i)
         strictlySorted = keyOrder(v[i - 1], v[i]) < 0;
     if (strictlySorted)
         return;
-    std::stable_sort(v, v + count, [&](size_t a, size_t b) { return keyOrder(a, b) < 0; });
+    std::stable_sort(v, v + n, [&](size_t a, size_t b) { return keyOrder(a, b) < 0; });
     size_t kept = 0;
-    for (size_t i = 0; i < count; ++i) {
-        if (i + 1 < count && keyOrder(v[i], v[i + 1]) == 0)
+    for (size_t i = 0; i < n; ++i) {
+        if (i + 1 < n && keyOrder(v[i], v[i + 1]) == 0)
             continue;
         v[kept++] = v[i];
     }
     visits.truncate(kept);
 }
 
-// The later segments of all continuations, "name*N" and "name*N*" with N from 1
-// written as "%i" writes it, ordered by name, number, and the encoded form first:
-// the lookups of one continuation then walk forward through its own run. Names
-// are numbered once (equal names get one number), so that ordering the
-// segments compares numbers only: the keys come in key order, where a name's
-// segments mostly stand together, and each is compared with the one before.
+// The later segments of all continuations, found by name, number and form in
+// constant time: each name that has segments gets a row of cells, one per
+// number and form, numbers from 1 to its count of segments (a continuation stops
+// at its first gap, so a larger number is never reached); a cell holds the
+// last entry given for its key. Rows are found through a table of the names
+// (open addressing, at most half full), hashed with a seed chosen once per
+// process, so that no header value can be written to make its names collide.
+// A walk through one continuation then reads its row in order.
 class Segments {
 public:
-    Segments(const Entry *entries, const Visits &visits)
+    Segments(const Entry *entries, size_t count)
     {
-        mime::SmallVector<Span, 16> runNames; // the name of each run of keys of one name
-        for (size_t i = 0; i < visits.size(); ++i) {
-            Span name{};
-            if (!add(entries[visits.data()[i]].key, visits.data()[i], name))
-                continue;
-            if (runNames.size() == 0 || order(runNames.data()[runNames.size() - 1], name) != 0)
-                runNames.push_back(name);
-            keys_.data()[keys_.size() - 1].name = runNames.size() - 1;
+        // The row of each entry that is a segment's, and the rows' sizes.
+        mime::Vector<size_t> rowOf(count, kNone);
+        SegmentKey key;
+        size_t segments = 0;
+        for (size_t i = 0; i < count; ++i)
+            segments += segmentKey(entries[i].key, key);
+        if (segments == 0)
+            return;
+        size_t size = 16;
+        while (size < 2 * segments)
+            size *= 2;
+        table_.assign(size, kNone);
+        for (size_t i = 0; i < count; ++i)
+            if (segmentKey(entries[i].key, key))
+                ++rows_[rowOf[i] = rowAdded(key.name)].count;
+        size_t cells = 0;
+        for (Row &row : rows_) {
+            row.start = cells;
+            cells += 2 * row.count;
         }
-        numberNames(runNames);
-        std::sort(keys_.data(), keys_.data() + keys_.size(),
-                  [](const Key &a, const Key &b) { return less(a, b.name, b.number, b.encoded); });
+        cells_.assign(cells, kNone);
+        for (size_t i = 0; i < count; ++i)
+            if (rowOf[i] != kNone && segmentKey(entries[i].key, key) &&
+                static_cast<size_t>(key.number) <= rows_[rowOf[i]].count)
+                cells_[rows_[rowOf[i]].start + 2 * static_cast<size_t>(key.number - 1) + key.encoded] = i;
     }
 
-    // Lookups for one name, in the order (1, encoded), (1, plain), (2, encoded), ...
+    // Lookups for one name.
     class Walk {
     public:
-        Walk(const Segments &s, Span name) : s_(s), name_(s.numberOf(name)), at_(s.lowerBound(name_)) {}
+        Walk(const Segments &s, Span name) : s_(s), row_(s.rows_.empty() ? kNone : s.rowNamed(name, hashOf(name))) {}
         // The entry of name*n (with "*" when encoded), or -1.
-        PB_INT find(PB_INT n, bool encoded)
+        PB_INT find(PB_INT n, bool encoded) const
         {
-            const Key *keys = s_.keys_.data();
-            size_t count = s_.keys_.size();
-            while (at_ < count && less(keys[at_], name_, n, encoded))
-                ++at_;
-            if (at_ < count && keys[at_].name == name_ && keys[at_].number == n && keys[at_].encoded == encoded)
-                return static_cast<PB_INT>(keys[at_].entry);
-            return -1;
+            if (row_ == kNone || static_cast<size_t>(n) > s_.rows_[row_].count)
+                return -1;
+            size_t entry = s_.cells_[s_.rows_[row_].start + 2 * static_cast<size_t>(n - 1) + encoded];
+            return entry == kNone ? -1 : static_cast<PB_INT>(entry);
         }
 
     private:
         const Segments &s_;
-        size_t name_;
-        size_t at_;
+        size_t row_;
     };
 
 private:
-    struct Key {
-        size_t name; // its number in names_ (a run's while the keys are added)
-        PB_INT number;
-        bool encoded;
-        size_t entry;
+    static constexpr size_t kNone = SIZE_MAX;
+
+    struct Row {
+        Span name;
+        uint64_t hash;
+        size_t count; // segments given for the name
+        size_t start; // its first cell
     };
 
-    static bool less(const Key &a, size_t name, PB_INT number, bool encoded)
+    static uint64_t hashOf(Span name)
     {
-        if (a.name != name)
-            return a.name < name;
-        if (a.number != number)
-            return a.number < number;
-        return a.encoded && !encoded;
-    }
-
-    // Adds the key when it is a later segment, and gives its name.
-    bool add(Span key, size_t entry, Span &name)
-    {
-        PB_INT end = key.length;
-        bool encoded = end > 0 && key.chars[end - 1] == '*';
-        end -= encoded;
-        PB_INT star = end - 1;
-        while (star >= 0 && key.chars[star] >= '0' && key.chars[star] <= '9')
-            --star;
-        if (star < 0 || key.chars[star] != '*' || star + 1 == end || key.chars[star + 1] == '0')
-            return false;
-        PB_INT number = 0;
-        for (PB_INT i = star + 1; i < end; ++i) {
-            PB_INT digit = static_cast<PB_INT>(key.chars[i] - '0');
-            if (number > (PB_INT_MAX - digit) / 10)
-                return false;
-            number = number * 10 + digit;
+        static const uint64_t seed = static_cast<uint64_t>(pbRandomNonNegativeIntRange(0, PB_INT_MAX));
+        uint64_t h = seed;
+        for (PB_INT i = 0; i < name.length; ++i) {
+            h = (h ^ name.chars[i]) * 0x9E3779B97F4A7C15u;
+            h ^= h >> 29;
         }
-        name = {key.chars, star};
-        keys_.push_back({0, number, encoded, entry});
-        return true;
+        return h;
     }
 
-    // Sorts the runs' names into names_ without repeats and renumbers the keys
-    // by it: runs of one name (split by keys of a longer name) become one.
-    void numberNames(const mime::SmallVector<Span, 16> &runNames)
+    // The row of name, or kNone; *slot becomes its place in the table (or the
+    // empty place where it would go).
+    size_t rowNamed(Span name, uint64_t hash, size_t *slot = nullptr) const
     {
-        const size_t runs = runNames.size();
-        mime::SmallVector<size_t, 16> byName, numberOfRun;
-        for (size_t r = 0; r < runs; ++r) {
-            byName.push_back(r);
-            numberOfRun.push_back(0);
+        const size_t mask = table_.size() - 1;
+        for (size_t at = hash & mask;; at = (at + 1) & mask) {
+            size_t row = table_[at];
+            if (row == kNone || (rows_[row].hash == hash && order(rows_[row].name, name) == 0)) {
+                if (slot)
+                    *slot = at;
+                return row;
+            }
         }
-        const Span *run = runNames.data();
-        std::sort(byName.data(), byName.data() + runs, [&](size_t a, size_t b) { return order(run[a], run[b]) < 0; });
-        for (size_t k = 0; k < runs; ++k) {
-            const Span &name = run[byName.data()[k]];
-            if (names_.size() == 0 || order(names_.data()[names_.size() - 1], name) != 0)
-                names_.push_back(name);
-            numberOfRun.data()[byName.data()[k]] = names_.size() - 1;
-        }
-        for (size_t i = 0; i < keys_.size(); ++i)
-            keys_.data()[i].name = numberOfRun.data()[keys_.data()[i].name];
     }
 
-    // The number of name, or names_.size() when no segment has it.
-    size_t numberOf(Span name) const
+    // The row of name, made when there is none.
+    size_t rowAdded(Span name)
     {
-        const Span *first = names_.data(), *last = first + names_.size();
-        const Span *at =
-            std::lower_bound(first, last, name, [](const Span &a, const Span &b) { return order(a, b) < 0; });
-        return at != last && order(*at, name) == 0 ? static_cast<size_t>(at - first) : names_.size();
+        const uint64_t hash = hashOf(name);
+        size_t slot = 0;
+        if (size_t row = rowNamed(name, hash, &slot); row != kNone)
+            return row;
+        table_[slot] = rows_.size();
+        rows_.push_back({name, hash, 0, 0});
+        return rows_.size() - 1;
     }
 
-    size_t lowerBound(size_t name) const
-    {
-        const Key *first = std::lower_bound(keys_.data(), keys_.data() + keys_.size(), 0,
-                                            [&](const Key &k, int) { return less(k, name, 1, true); });
-        return static_cast<size_t>(first - keys_.data());
-    }
-
-    mime::SmallVector<Key, 16> keys_;
-    mime::SmallVector<Span, 16> names_; // the names of the segments, sorted, each once
+    mime::Vector<size_t> table_; // rows by name hash; kNone where empty
+    mime::Vector<Row> rows_;
+    mime::Vector<size_t> cells_; // per row: (1, plain), (1, encoded), (2, plain), ...
 };
 
 // Joins the segments of the continuation whose segment 0 holds value; null when
@@ -350,7 +374,7 @@ void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *co
     static const PB_CHAR ends[] = {'*', '0', '*'};
     Visits visits;
     visitingOrder(entries, count, visits);
-    Segments segments(entries, visits);
+    Segments segments(entries, count);
     for (size_t v = 0; v < visits.size(); ++v) {
         size_t i = visits.data()[v];
         Span key = entries[i].key;

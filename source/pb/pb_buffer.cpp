@@ -1,18 +1,14 @@
 #include <pb/pb_buffer.h>
 #include <pb/pb_int.h>
 #include <pb/pb_mem.h>
-#include <pb/pb_mem.hpp>
 #include <pb/pb_sort.hpp>
 #include <pb/pb_string.h>
 
 #include <algorithm>
-#include <array>
 #include <atomic>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <mutex>
-#include <utility>
 
 namespace {
 
@@ -30,54 +26,6 @@ std::atomic_ref<int64_t> refsOf(Storage *st)
     return std::atomic_ref<int64_t>(st->refs);
 }
 
-// Storage of this size and more is large: it is a mapping of its own on huge
-// pages (pb___MemAlloc) and is kept for reuse when freed.
-constexpr PB_INT kLarge = pb::mem::kLargeBlock;
-
-// Freed large storage, kept for the next large buffer: a codec pass over a big
-// body then writes into memory that the kernel has already mapped and zeroed,
-// instead of faulting fresh pages in (which costs more than the coding). A few
-// blocks, 256 MiB in all at most, so that memory is returned beyond that.
-class LargeBlocks {
-public:
-    // A kept block of capacity to twice capacity bytes, or null.
-    Storage *take(PB_INT capacity) noexcept
-    {
-        std::lock_guard<std::mutex> lock(mutex_);
-        Storage **best = nullptr;
-        for (Storage *&slot : slots_)
-            if (slot && slot->capacity >= capacity && slot->capacity / 2 <= capacity &&
-                (!best || slot->capacity < (*best)->capacity))
-                best = &slot;
-        if (!best)
-            return nullptr;
-        bytes_ -= (*best)->capacity;
-        return std::exchange(*best, nullptr);
-    }
-    // Whether st (unused) is kept; the caller frees it otherwise.
-    bool keep(Storage *st) noexcept
-    {
-        if (st->capacity < kLarge)
-            return false;
-        std::lock_guard<std::mutex> lock(mutex_);
-        for (Storage *&slot : slots_)
-            if (!slot && bytes_ + st->capacity <= kMaxBytes) {
-                slot = st;
-                bytes_ += st->capacity;
-                return true;
-            }
-        return false;
-    }
-
-private:
-    static constexpr PB_INT kMaxBytes = PB_INT{256} << 20;
-    std::mutex mutex_;
-    std::array<Storage *, 4> slots_{};
-    PB_INT bytes_ = 0;
-};
-
-constinit LargeBlocks largeBlocks;
-
 PB_INT storageBytes(PB_INT capacity)
 {
     return static_cast<PB_INT>(sizeof(Storage)) + capacity;
@@ -85,18 +33,15 @@ PB_INT storageBytes(PB_INT capacity)
 
 Storage *storageCreate(PB_INT capacity)
 {
-    Storage *st = capacity >= kLarge ? largeBlocks.take(capacity) : nullptr;
-    if (!st) {
-        st = static_cast<Storage *>(pb___MemAlloc(storageBytes(capacity)));
-        st->capacity = capacity;
-    }
+    auto *st = static_cast<Storage *>(pb___MemAlloc(storageBytes(capacity)));
+    st->capacity = capacity;
     st->refs = 1;
     return st;
 }
 
 void storageRelease(Storage *st)
 {
-    if (st && refsOf(st).fetch_sub(1) == 1 && !largeBlocks.keep(st))
+    if (st && refsOf(st).fetch_sub(1) == 1)
         pb___MemRelease(st, storageBytes(st->capacity));
 }
 

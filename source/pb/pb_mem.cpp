@@ -3,10 +3,13 @@
 #include <pb/pb_mem.h>
 #include <pb/pb_mem.hpp>
 
+#include <array>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <mutex>
 #include <sys/mman.h>
+#include <utility>
 
 PB_INT pbMemCompare(const void *a, const void *b, PB_INT count) noexcept
 {
@@ -47,6 +50,60 @@ void *mapLarge(size_t size)
     return reinterpret_cast<void *>(aligned);
 }
 
+// Freed large blocks, kept for the next block of about their size: a repeated
+// decode or codec pass over a big value then writes into memory that is
+// mapped already, instead of faulting in fresh pages that the kernel clears
+// first (which costs more than most of the work). Eight blocks, 256 MiB in all
+// at most: beyond that, freed blocks go back to the system.
+class KeptBlocks {
+public:
+    // A kept block of size to twice size bytes cut to size, or null.
+    void *take(size_t size) noexcept
+    {
+        Block found{};
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            Block *best = nullptr;
+            for (Block &slot : slots_)
+                if (slot.memory && slot.size >= size && slot.size / 2 <= size && (!best || slot.size < best->size))
+                    best = &slot;
+            if (!best)
+                return nullptr;
+            found = std::exchange(*best, Block{});
+            bytes_ -= found.size;
+        }
+        if (found.size > size)
+            munmap(static_cast<char *>(found.memory) + size, found.size - size);
+        return found.memory;
+    }
+    // Whether the block is kept; the caller unmaps it otherwise.
+    bool keep(void *memory, size_t size) noexcept
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        if (bytes_ + size > kMaxBytes)
+            return false;
+        for (Block &slot : slots_)
+            if (!slot.memory) {
+                slot = {memory, size};
+                bytes_ += size;
+                return true;
+            }
+        return false;
+    }
+
+private:
+    struct Block {
+        void *memory;
+        size_t size;
+    };
+    static constexpr size_t kMaxBytes = size_t{256} << 20;
+    std::mutex mutex_;
+    std::array<Block, 8> slots_{};
+    size_t bytes_ = 0;
+};
+
+constinit KeptBlocks keptBlocks;
+
 } // namespace
 
 void *pb___MemAlloc(PB_INT bytes) noexcept
@@ -57,7 +114,9 @@ void *pb___MemAlloc(PB_INT bytes) noexcept
         PB_ASSERT_MSG("out of memory", memory || bytes == 0);
         return memory;
     }
-    return mapLarge(mappedSize(bytes));
+    size_t size = mappedSize(bytes);
+    void *kept = keptBlocks.take(size);
+    return kept ? kept : mapLarge(size);
 }
 
 void *pb___MemResize(void *memory, PB_INT oldBytes, PB_INT newBytes) noexcept
@@ -90,10 +149,12 @@ void pb___MemRelease(void *memory, PB_INT bytes) noexcept
 {
     if (!memory)
         return;
-    if (pb::mem::isLarge(bytes))
-        munmap(memory, mappedSize(bytes));
-    else
+    if (!pb::mem::isLarge(bytes)) {
         std::free(memory);
+        return;
+    }
+    if (size_t size = mappedSize(bytes); !keptBlocks.keep(memory, size))
+        munmap(memory, size);
 }
 
 void pbMemFree(void *memory) noexcept

@@ -16,12 +16,15 @@ PB_API PB_INT pbMemCompare(const void *a, const void *b, PB_INT count) PB_NOEXCE
 /** Frees memory returned by the runtime (pbStringConvertToCstr). Null is ignored. */
 PB_API void pbMemFree(void *memory) PB_NOEXCEPT;
 
-/** Internal, for the runtime's modules: a block of bytes (>= 0) that the caller
- * releases with pb___MemRelease, giving the same size. Blocks under 2 MiB come
- * from malloc. Larger ones are mapped on their own, on huge pages where the
- * system grants them, zero-filled, and go back to the system when released: a
- * block of many megabytes costs a few page faults, the same whatever blocks
- * were freed before it. Never returns null: running out of memory aborts. */
+/** Internal, for the runtime's modules: a block of bytes (>= 0), contents
+ * undefined, that the caller releases with pb___MemRelease, giving the same
+ * size. Blocks under 2 MiB come from malloc. Larger ones are mapped on their
+ * own, on huge pages where the system grants them; when released, a few (256
+ * MiB in all at most) are kept for later blocks of about their size, the rest
+ * go back to the system: a block of many megabytes costs a few page faults at
+ * most, the same whatever blocks were freed before it, and a repeated
+ * operation on a large value reuses memory that is mapped already. Never
+ * returns null: running out of memory aborts. */
 PB_API void *pb___MemAlloc(PB_INT bytes) PB_NOEXCEPT;
 
 /** Internal: a block of oldBytes from pb___MemAlloc resized to newBytes, its

@@ -21,7 +21,7 @@ constexpr bool kMapsLargeBlocks = true;
 
 constexpr PB_INT kLargeBlock = PB_INT{2} << 20;
 
-// Whether a block of bytes is mapped on its own (and so comes zero-filled).
+// Whether a block of bytes is mapped on its own (and kept for reuse when freed).
 constexpr bool isLarge(PB_INT bytes)
 {
     return kMapsLargeBlocks && bytes >= kLargeBlock;

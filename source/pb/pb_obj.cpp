@@ -174,17 +174,22 @@ PB_STRING *pbObjToString(PB_OBJ *obj) noexcept
 
 PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) noexcept
 {
+    return pb___ObjCreateWithTail(size, 0, sort);
+}
+
+PB_OBJ *pb___ObjCreateWithTail(PB_INT size, PB_INT tail, const PB_SORT *sort) noexcept
+{
     PB_ASSERT( sort );
     PB_ASSERT( size >= (PB_INT)sizeof(PB_OBJ_HEADER) );
+    PB_ASSERT( tail >= 0 && tail <= size - (PB_INT)sizeof(PB_OBJ_HEADER) );
     // malloc and memset rather than calloc: small blocks then come from the
     // allocator's per-thread cache, which calloc bypasses. (The empty asm keeps
-    // the compiler from fusing the two back into calloc.) Large blocks come
-    // zero-filled, and their pages stay untouched until they are written.
+    // the compiler from fusing the two back into calloc.)
     const bool large = pb::mem::isLarge(size);
     auto *header = static_cast<PB_OBJ_HEADER *>(large ? pb___MemAlloc(size) : std::malloc(static_cast<size_t>(size)));
     PB_ASSERT_MSG("out of memory", header);
     __asm__ volatile("" : : "r"(header) : "memory");
-    std::memset(header, 0, large ? sizeof(PB_OBJ_HEADER) : static_cast<size_t>(size));
+    std::memset(header, 0, static_cast<size_t>(size - tail));
     header->kind = PB_OBJ_KIND_HEAP;
     header->sort = sort;
     header->size = size;

@@ -48,6 +48,11 @@ PB_API PB_STRING *pbObjToString(PB_OBJ *obj) PB_NOEXCEPT;
  * Never returns null: running out of memory aborts. */
 PB_API PB_OBJ *pb___ObjCreate(PB_INT size, const PB_SORT *sort) PB_NOEXCEPT;
 
+/** The same, but for its last tail bytes (0 <= tail <= size minus the
+ * header's size), which are left as they come: storage that the creator fills
+ * before it reads it, such as a string's characters. */
+PB_API PB_OBJ *pb___ObjCreateWithTail(PB_INT size, PB_INT tail, const PB_SORT *sort) PB_NOEXCEPT;
+
 /** Runs the sort's free function, then releases the storage. Called when a
  * release took the count from 1 to 0; never on a static object. */
 PB_API void pb___ObjFree(PB_OBJ *obj) PB_NOEXCEPT;

@@ -104,8 +104,8 @@ PB_STRING *createWithCapacity(PB_INT capacity) noexcept
 {
     PB_ASSERT( capacity >= 0 && capacity <= kMaxLength );
     auto *s = reinterpret_cast<PB_STRING *>(
-        pb___ObjCreate(static_cast<PB_INT>(sizeof(PB_STRING)) + capacity * static_cast<PB_INT>(sizeof(PB_CHAR)),
-                       &pb___sort_PB_STRING));
+        pb___ObjCreateWithTail(static_cast<PB_INT>(sizeof(PB_STRING)) + capacity * static_cast<PB_INT>(sizeof(PB_CHAR)),
+                               capacity * static_cast<PB_INT>(sizeof(PB_CHAR)), &pb___sort_PB_STRING));
     s->chars = inlineChars(s);
     s->capacity = capacity;
     return s;
