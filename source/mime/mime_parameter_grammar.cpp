@@ -50,6 +50,25 @@ bool Pieces::isTspecial(PB_INT i, PB_CHAR c) const noexcept
     return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
 }
 
+namespace {
+
+// The text of the quoted string c[0, n) (quotes included; the scanner saw to
+// it that a character follows each backslash) without quotes and escapes,
+// written from to on; returns the end. Every character is stored, and a
+// backslash that escapes is written over by the next.
+PB_CHAR *unescaped(const PB_CHAR *c, PB_INT n, PB_CHAR *to)
+{
+    bool escaping = false;
+    for (PB_INT k = 1; k < n - 1; ++k) {
+        *to = c[k];
+        escaping = c[k] == '\\' && !escaping;
+        to += !escaping;
+    }
+    return to;
+}
+
+} // namespace
+
 void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
 {
     const ShfPiece &piece = pieces_.data()[i];
@@ -61,17 +80,8 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
     } else if (!piece.escaped) {
         out.append(c + 1, static_cast<size_t>(n - 2));
     } else {
-        // A backslash takes the character after it (the scanner saw to it that
-        // one follows). Every character is stored, into room made once, and a
-        // backslash that escapes is written over by the next.
-        PB_CHAR *to = out.extend(static_cast<size_t>(n - 2)), *start = to;
-        bool escaping = false;
-        for (PB_INT k = 1; k < n - 1; ++k) {
-            *to = c[k];
-            escaping = c[k] == '\\' && !escaping;
-            to += !escaping;
-        }
-        out.truncate(from + static_cast<size_t>(to - start));
+        PB_CHAR *to = out.extend(static_cast<size_t>(n - 2));
+        out.truncate(from + static_cast<size_t>(unescaped(c, n, to) - to));
     }
     if (lower)
         for (PB_CHAR *p = out.data() + from, *end = out.data() + out.size(); p != end; ++p)
@@ -91,6 +101,14 @@ bool Pieces::plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept
 
 PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
 {
+    // An escaped quoted string is written straight into the string (one copy).
+    if (const ShfPiece &piece = pieces_.data()[i];
+        piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING && piece.escaped && !lower) {
+        PB_CHAR *to = nullptr;
+        PB_STRING *s = pb___StringCreateUnfilled(piece.length - 2, &to);
+        pbStringDelTrailing(&s, to + piece.length - 2 - unescaped(chars_ + piece.start, piece.length, to));
+        return s;
+    }
     Chars chars;
     appendWord(i, lower, chars);
     return commonWords::string(chars.data(), chars.size());
@@ -104,12 +122,18 @@ namespace {
 struct Collected {
     struct Pair {
         size_t key, keyLength, value, valueLength;
-        bool valueInText; // value counts from text, not from chars
+        bool valueInText;  // value counts from text, not from chars
+        PB_STRING *string; // or the value is this string (an escaped quoted string's, made at once)
     };
     Pieces::Chars chars;
     const PB_CHAR *text = nullptr;
     mime::SmallVector<Pair, 16> pairs;
     bool rfc2231 = false; // a key has a form that RFC 2231 decoding changes
+
+    Collected() = default;
+    Collected(const Collected &) = delete;
+    Collected &operator=(const Collected &) = delete;
+    ~Collected() { clear(); }
 
     void add(const Pieces &pieces, PB_INT keyIndex, PB_INT valueIndex)
     {
@@ -117,19 +141,23 @@ struct Collected {
         pieces.appendWord(keyIndex, true, chars);
         if (!keptKey(key))
             return;
+        const size_t keyLength = chars.size() - key;
         PB_INT start = 0, length = 0;
-        if (valueIndex >= 0 && pieces.plainAt(valueIndex, start, length)) {
+        if (valueIndex < 0) {
+            pairs.push_back({key, keyLength, 0, 0, false, nullptr});
+        } else if (pieces.plainAt(valueIndex, start, length)) {
             text = pieces.chars();
-            pairs.push_back({key, chars.size() - key, static_cast<size_t>(start), static_cast<size_t>(length), true});
-            return;
+            pairs.push_back({key, keyLength, static_cast<size_t>(start), static_cast<size_t>(length), true, nullptr});
+        } else {
+            PB_STRING *string = pieces.word(valueIndex, false);
+            pairs.push_back({key, keyLength, 0, static_cast<size_t>(pbStringLength(string)), false, string});
         }
-        size_t value = chars.size();
-        if (valueIndex >= 0)
-            pieces.appendWord(valueIndex, false, chars);
-        pairs.push_back({key, value - key, value, chars.size() - value, false});
     }
 
-    const PB_CHAR *valueOf(const Pair &p) const { return (p.valueInText ? text : chars.data()) + p.value; }
+    const PB_CHAR *valueOf(const Pair &p) const
+    {
+        return p.string ? pbStringBacking(p.string) : (p.valueInText ? text : chars.data()) + p.value;
+    }
 
     // A key and a value given as text: a value in quotes loses them and its escapes.
     void addText(const PB_CHAR *key, size_t keyLength, const PB_CHAR *value, size_t valueLength)
@@ -147,11 +175,14 @@ struct Collected {
                 ++i; // a backslash takes the next character
             chars.push_back(value[i]);
         }
-        pairs.push_back({at, start - at, start, chars.size() - start, false});
+        pairs.push_back({at, start - at, start, chars.size() - start, false, nullptr});
     }
 
     void clear()
     {
+        for (size_t i = 0; i < pairs.size(); ++i)
+            if (pairs.data()[i].string)
+                pbStringRelease(pairs.data()[i].string);
         chars.clear();
         pairs.clear();
         rfc2231 = false;
@@ -184,7 +215,10 @@ struct Collected {
     }
 
     PB_STRING *keyString(const Pair &p) const { return commonWords::string(chars.data() + p.key, p.keyLength); }
-    PB_STRING *valueString(const Pair &p) const { return commonWords::string(valueOf(p), p.valueLength); }
+    PB_STRING *valueString(const Pair &p) const
+    {
+        return p.string ? pbStringRetain(p.string) : commonWords::string(valueOf(p), p.valueLength);
+    }
 };
 
 void set(PB_DICT **dict, Ref<PB_STRING> key, Ref<PB_STRING> value)

@@ -169,39 +169,6 @@ bool segmentKey(Span key, SegmentKey &segment)
     return true;
 }
 
-// One index per key but the later segments', in key order: for equal keys the
-// last entry given, as setting them into a dictionary one after another would
-// leave it. A run of one key given again and again is cut to its last before
-// the sort.
-void visitingOrder(const Entry *entries, size_t count, Visits &visits)
-{
-    auto keyOrder = [&](size_t a, size_t b) { return order(entries[a].key, entries[b].key); };
-    for (size_t i = 0; i < count; ++i) {
-        SegmentKey segment;
-        if (segmentKey(entries[i].key, segment))
-            continue;
-        if (visits.size() > 0 && keyOrder(visits.data()[visits.size() - 1], i) == 0)
-            visits.data()[visits.size() - 1] = i;
-        else
-            visits.push_back(i);
-    }
-    size_t *v = visits.data();
-    const size_t n = visits.size();
-    bool strictlySorted = true;
-    for (size_t i = 1; i < n && strictlySorted; ++i)
-        strictlySorted = keyOrder(v[i - 1], v[i]) < 0;
-    if (strictlySorted)
-        return;
-    std::stable_sort(v, v + n, [&](size_t a, size_t b) { return keyOrder(a, b) < 0; });
-    size_t kept = 0;
-    for (size_t i = 0; i < n; ++i) {
-        if (i + 1 < n && keyOrder(v[i], v[i + 1]) == 0)
-            continue;
-        v[kept++] = v[i];
-    }
-    visits.truncate(kept);
-}
-
 // The later segments of all continuations, found by name, number and form in
 // constant time: each name that has segments gets a row of cells, one per
 // number and form, numbers from 1 to its count of segments (a continuation stops
@@ -212,23 +179,17 @@ void visitingOrder(const Entry *entries, size_t count, Visits &visits)
 // A walk through one continuation then reads its row in order.
 class Segments {
 public:
-    Segments(const Entry *entries, size_t count)
+    Segments(const Entry *entries, size_t count) : places_(count, Place{kNone, kNone})
     {
-        // The row of each entry that is a segment's, and the rows' sizes.
-        mime::Vector<size_t> rowOf(count, kNone);
         SegmentKey key;
-        size_t segments = 0;
-        for (size_t i = 0; i < count; ++i)
-            segments += segmentKey(entries[i].key, key);
-        if (segments == 0)
-            return;
-        size_t size = 16;
-        while (size < 2 * segments)
-            size *= 2;
-        table_.assign(size, kNone);
-        for (size_t i = 0; i < count; ++i)
-            if (segmentKey(entries[i].key, key))
-                ++rows_[rowOf[i] = rowAdded(key.name)].count;
+        for (size_t i = 0; i < count; ++i) {
+            if (!segmentKey(entries[i].key, key))
+                continue;
+            size_t row = rowAdded(key.name);
+            ++rows_[row].count;
+            const size_t n = static_cast<size_t>(key.number);
+            places_[i] = {row, n <= count ? 2 * (n - 1) + key.encoded : kNone};
+        }
         size_t cells = 0;
         for (Row &row : rows_) {
             row.start = cells;
@@ -236,10 +197,12 @@ public:
         }
         cells_.assign(cells, kNone);
         for (size_t i = 0; i < count; ++i)
-            if (rowOf[i] != kNone && segmentKey(entries[i].key, key) &&
-                static_cast<size_t>(key.number) <= rows_[rowOf[i]].count)
-                cells_[rows_[rowOf[i]].start + 2 * static_cast<size_t>(key.number - 1) + key.encoded] = i;
+            if (const Place &p = places_[i]; p.row != kNone && p.cell < 2 * rows_[p.row].count)
+                cells_[rows_[p.row].start + p.cell] = i;
     }
+
+    // Whether entry i is a later segment's.
+    bool isSegment(size_t i) const { return places_[i].row != kNone; }
 
     // Lookups for one name.
     class Walk {
@@ -298,6 +261,8 @@ private:
     // The row of name, made when there is none.
     size_t rowAdded(Span name)
     {
+        if (2 * (rows_.size() + 1) > table_.size())
+            growTable();
         const uint64_t hash = hashOf(name);
         size_t slot = 0;
         if (size_t row = rowNamed(name, hash, &slot); row != kNone)
@@ -307,10 +272,61 @@ private:
         return rows_.size() - 1;
     }
 
+    // Twice the table, the rows placed again.
+    void growTable()
+    {
+        table_.assign(table_.empty() ? 16 : 2 * table_.size(), kNone);
+        const size_t mask = table_.size() - 1;
+        for (size_t row = 0; row < rows_.size(); ++row) {
+            size_t at = rows_[row].hash & mask;
+            while (table_[at] != kNone)
+                at = (at + 1) & mask;
+            table_[at] = row;
+        }
+    }
+
+    struct Place {
+        size_t row;  // kNone: not a later segment's entry
+        size_t cell; // in the row; kNone: a number past every continuation's end
+    };
+
+    mime::Vector<Place> places_; // per entry
     mime::Vector<size_t> table_; // rows by name hash; kNone where empty
     mime::Vector<Row> rows_;
     mime::Vector<size_t> cells_; // per row: (1, plain), (1, encoded), (2, plain), ...
 };
+
+// One index per key but the later segments', in key order: for equal keys the
+// last entry given, as setting them into a dictionary one after another would
+// leave it. A run of one key given again and again is cut to its last before
+// the sort.
+void visitingOrder(const Entry *entries, size_t count, const Segments &segments, Visits &visits)
+{
+    auto keyOrder = [&](size_t a, size_t b) { return order(entries[a].key, entries[b].key); };
+    for (size_t i = 0; i < count; ++i) {
+        if (segments.isSegment(i))
+            continue;
+        if (visits.size() > 0 && keyOrder(visits.data()[visits.size() - 1], i) == 0)
+            visits.data()[visits.size() - 1] = i;
+        else
+            visits.push_back(i);
+    }
+    size_t *v = visits.data();
+    const size_t n = visits.size();
+    bool strictlySorted = true;
+    for (size_t i = 1; i < n && strictlySorted; ++i)
+        strictlySorted = keyOrder(v[i - 1], v[i]) < 0;
+    if (strictlySorted)
+        return;
+    std::stable_sort(v, v + n, [&](size_t a, size_t b) { return keyOrder(a, b) < 0; });
+    size_t kept = 0;
+    for (size_t i = 0; i < n; ++i) {
+        if (i + 1 < n && keyOrder(v[i], v[i + 1]) == 0)
+            continue;
+        v[kept++] = v[i];
+    }
+    visits.truncate(kept);
+}
 
 // Joins the segments of the continuation whose segment 0 holds value; null when
 // the entry is dropped.
@@ -372,9 +388,9 @@ Ref<PB_STRING> textOf(PB_OBJ *taken)
 void mime::rfc2231::decode(const Entry *entries, size_t count, Put put, void *context, const Tolerance &lookup) noexcept
 {
     static const PB_CHAR ends[] = {'*', '0', '*'};
-    Visits visits;
-    visitingOrder(entries, count, visits);
     Segments segments(entries, count);
+    Visits visits;
+    visitingOrder(entries, count, segments, visits);
     for (size_t v = 0; v < visits.size(); ++v) {
         size_t i = visits.data()[v];
         Span key = entries[i].key;

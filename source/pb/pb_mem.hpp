@@ -1,5 +1,6 @@
 // Internal: where blocks of memory come from (pb___MemAlloc): malloc below
-// 2 MiB, their own huge-page mappings from there on. Under AddressSanitizer
+// 32 KiB, blocks of powers of two kept for reuse up to 2 MiB, their own
+// huge-page mappings from there on. Under AddressSanitizer
 // every block comes from malloc, so that the sanitizer guards all of them.
 #pragma once
 
@@ -19,7 +20,15 @@ constexpr bool kMapsLargeBlocks = true;
 constexpr bool kMapsLargeBlocks = true;
 #endif
 
+constexpr PB_INT kMiddleBlock = PB_INT{32} << 10;
 constexpr PB_INT kLargeBlock = PB_INT{2} << 20;
+
+// Whether a block of bytes comes from malloc as it is (below 32 KiB); the
+// larger ones come from the runtime's own kept blocks (pb_mem.h).
+constexpr bool isMalloced(PB_INT bytes)
+{
+    return !kMapsLargeBlocks || bytes < kMiddleBlock;
+}
 
 // Whether a block of bytes is mapped on its own (and kept for reuse when freed).
 constexpr bool isLarge(PB_INT bytes)

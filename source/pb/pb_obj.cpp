@@ -185,8 +185,8 @@ PB_OBJ *pb___ObjCreateWithTail(PB_INT size, PB_INT tail, const PB_SORT *sort) no
     // malloc and memset rather than calloc: small blocks then come from the
     // allocator's per-thread cache, which calloc bypasses. (The empty asm keeps
     // the compiler from fusing the two back into calloc.)
-    const bool large = pb::mem::isLarge(size);
-    auto *header = static_cast<PB_OBJ_HEADER *>(large ? pb___MemAlloc(size) : std::malloc(static_cast<size_t>(size)));
+    auto *header = static_cast<PB_OBJ_HEADER *>(pb::mem::isMalloced(size) ? std::malloc(static_cast<size_t>(size))
+                                                                          : pb___MemAlloc(size));
     PB_ASSERT_MSG("out of memory", header);
     __asm__ volatile("" : : "r"(header) : "memory");
     std::memset(header, 0, static_cast<size_t>(size - tail));
@@ -208,10 +208,10 @@ void pb___ObjFree(PB_OBJ *obj) noexcept
     // The free function poisoned the fields; poison the sort too, so that a use
     // after free faults at its first look at the sort instead of reading on.
     header->sort = pb::poison<const PB_SORT>();
-    if (pb::mem::isLarge(header->size))
-        pb___MemRelease(header, header->size);
-    else
+    if (pb::mem::isMalloced(header->size))
         std::free(header);
+    else
+        pb___MemRelease(header, header->size);
     countLive(-1);
 }
 

@@ -189,6 +189,15 @@ PB_STRING *pbStringCreateFromCharsCopy(const PB_CHAR *chars, PB_INT count) noexc
     return s;
 }
 
+PB_STRING *pb___StringCreateUnfilled(PB_INT count, PB_CHAR **chars) noexcept
+{
+    PB_ASSERT( chars );
+    PB_STRING *s = pb::string::createWithCapacity(count);
+    s->length = count;
+    *chars = s->chars;
+    return s;
+}
+
 PB_STRING *pb___StringCreateConstant(const PB_CHAR *chars, PB_INT count) noexcept
 {
     PB_ASSERT( count >= 0 && count <= kMaxLength );

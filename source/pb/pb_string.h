@@ -58,6 +58,12 @@ PB_API PB_STRING *pbStringCreateFromCharsCopy(const PB_CHAR *chars, PB_INT count
  * few fixed words that a module hands out very often. */
 PB_API PB_STRING *pb___StringCreateConstant(const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
 
+/** Internal: a new string of count code points (>= 0) not yet written, and in
+ * *chars where they go. The caller writes every one of them (or cuts the rest
+ * off with pbStringDelTrailing) before any other use of the string: for a
+ * module that decodes text straight into the string it returns. */
+PB_API PB_STRING *pb___StringCreateUnfilled(PB_INT count, PB_CHAR **chars) PB_NOEXCEPT;
+
 /** Returns a new string of the first count code points of s (count <= length). */
 PB_API PB_STRING *pbStringCreateFromLeading(PB_STRING *s, PB_INT count) PB_NOEXCEPT;
 
