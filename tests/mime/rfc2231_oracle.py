@@ -1,11 +1,12 @@
 """Reference decodings of RFC 2231 parameters, from Python's email package.
 
 Prints tab-separated lines
-  CASE <Content-Type value> <hex of the UTF-8 of the decoded "title">
+  CASE <Content-Type value> <name>:<hex of the UTF-8 of its value>;...
 for generated well-formed parameter sets: plain values, single extended
 values, and continuations mixing encoded and plain segments, cut at random
 places between escapes (so the bytes of one character may be split across
-segments). Only cases where the format leaves no room for two readings.
+segments); one parameter or many, their segments in order or shuffled
+together. Only cases where the format leaves no room for two readings.
 """
 import email.message
 import email.utils
@@ -20,10 +21,11 @@ def escaped(value):
     return [chr(b) if b in ATTRIBUTE_CHARS else "%%%02X" % b for b in value.encode("utf-8")]
 
 
-def header(rng, value):
+def header(rng, name, value):
+    """The parameter's parts as written, in order."""
     kind = rng.randrange(3)
     if kind == 0:
-        return 'title*=utf-8\'\'%s' % "".join(escaped(value))
+        return ['%s*=utf-8\'\'%s' % (name, "".join(escaped(value)))]
     items = escaped(value)
     segments, current = [], "utf-8''"
     for item in items:
@@ -36,28 +38,33 @@ def header(rng, value):
     for n, segment in enumerate(segments):
         plain = n > 0 and "%" not in segment and kind == 2 and segment != ""
         if plain:
-            parts.append('title*%d="%s"' % (n, segment))
+            parts.append('%s*%d="%s"' % (name, n, segment))
         else:
-            parts.append("title*%d*=%s" % (n, segment))
-    return "; ".join(parts)
+            parts.append("%s*%d*=%s" % (name, n, segment))
+    return parts
 
 
-def python_title(value):
+def python_values(content_type):
     message = email.message.Message()
-    message["Content-Type"] = "text/plain; " + value
-    title = message.get_param("title")
-    return email.utils.collapse_rfc2231_value(title)
+    message["Content-Type"] = content_type
+    return {name: email.utils.collapse_rfc2231_value(value) for name, value in message.get_params()[1:]}
 
 
 def main():
     rng = random.Random(2231)
     for _ in range(2000):
-        value = "".join(rng.choice(ALPHABET) for _ in range(rng.randrange(1, 25)))
-        content_type = "text/plain; " + header(rng, value)
-        decoded = python_title(content_type[len("text/plain; "):])
-        if decoded != value:
+        names = ["title"] + ["p%d" % k for k in range(rng.choice([0, 0, 0, 2, 40]))]
+        values, parts = {}, []
+        for name in names:
+            values[name] = "".join(rng.choice(ALPHABET) for _ in range(rng.randrange(1, 25)))
+            parts += header(rng, name, values[name])
+        if rng.random() < 0.5:
+            rng.shuffle(parts)
+        content_type = "text/plain; " + "; ".join(parts)
+        if python_values(content_type) != values:
             continue  # a reading Python takes differently: not a case for comparison
-        print("CASE", content_type, decoded.encode("utf-8").hex(), sep="\t")
+        expected = ";".join("%s:%s" % (name, value.encode("utf-8").hex()) for name, value in values.items())
+        print("CASE", content_type, expected, sep="\t")
 
 
 if __name__ == "__main__":
