@@ -45,8 +45,8 @@ struct Tolerance {
 
 // Decodes entries as if they were set into a dictionary one after another (a
 // later entry replaces an earlier one with the same key) and visited in its
-// key order. The work is linear in their size, up to sorting the keys when
-// they are not in order already and the segment keys.
+// key order. The work is linear in their size, up to sorting the keys that
+// are not later segments' ("name*1", ...) when they are not in order already.
 void decode(const Entry *entries, size_t count, Put put, void *context, const Tolerance &lookup = {}) noexcept;
 
 // Takes one parameter as written: views of its key and value that last for the call.
