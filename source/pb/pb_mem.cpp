@@ -3,6 +3,7 @@
 #include <pb/pb_mem.h>
 #include <pb/pb_mem.hpp>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdlib>
@@ -54,7 +55,8 @@ void *mapLarge(size_t size)
 // decode or codec pass over a big value then writes into memory that is
 // mapped already, instead of faulting in fresh pages that the kernel clears
 // first (which costs more than most of the work). Eight blocks, 256 MiB in all
-// at most: beyond that, freed blocks go back to the system.
+// at most; a block freed when they are full takes the place of the blocks
+// kept longest, so that the kept sizes follow the work of the moment.
 class KeptBlocks {
 public:
     // A kept block of size to twice size bytes cut to size, or null.
@@ -76,30 +78,54 @@ public:
             munmap(static_cast<char *>(found.memory) + size, found.size - size);
         return found.memory;
     }
-    // Whether the block is kept; the caller unmaps it otherwise.
-    bool keep(void *memory, size_t size) noexcept
+
+    // Keeps the block, or unmaps it when it is larger than all the room.
+    void keep(void *memory, size_t size) noexcept
     {
-        std::lock_guard<std::mutex> lock(mutex_);
-        if (bytes_ + size > kMaxBytes)
-            return false;
-        for (Block &slot : slots_)
-            if (!slot.memory) {
-                slot = {memory, size};
-                bytes_ += size;
-                return true;
+        if (size > kMaxBytes) {
+            munmap(memory, size);
+            return;
+        }
+        std::array<Block, kSlots> evicted{};
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            for (size_t n = 0; bytes_ + size > kMaxBytes || !hasEmptySlot(); ++n) {
+                Block &oldest = *std::min_element(slots_.begin(), slots_.end(), [](const Block &a, const Block &b) {
+                    return (a.memory ? a.stamp : UINT64_MAX) < (b.memory ? b.stamp : UINT64_MAX);
+                });
+                bytes_ -= oldest.size;
+                evicted[n] = std::exchange(oldest, Block{});
             }
-        return false;
+            for (Block &slot : slots_)
+                if (!slot.memory) {
+                    slot = {memory, size, ++stamp_};
+                    bytes_ += size;
+                    break;
+                }
+        }
+        for (const Block &block : evicted)
+            if (block.memory)
+                munmap(block.memory, block.size);
     }
 
 private:
     struct Block {
         void *memory;
         size_t size;
+        uint64_t stamp; // when it was kept
     };
+    static constexpr size_t kSlots = 8;
     static constexpr size_t kMaxBytes = size_t{256} << 20;
+
+    bool hasEmptySlot() const
+    {
+        return std::any_of(slots_.begin(), slots_.end(), [](const Block &b) { return !b.memory; });
+    }
+
     std::mutex mutex_;
-    std::array<Block, 8> slots_{};
+    std::array<Block, kSlots> slots_{};
     size_t bytes_ = 0;
+    uint64_t stamp_ = 0;
 };
 
 constinit KeptBlocks keptBlocks;
@@ -237,8 +263,7 @@ void pb___MemRelease(void *memory, PB_INT bytes) noexcept
     case Source::Mapping:
         break;
     }
-    if (size_t size = mappedSize(bytes); !keptBlocks.keep(memory, size))
-        munmap(memory, size);
+    keptBlocks.keep(memory, mappedSize(bytes));
 }
 
 void pbMemFree(void *memory) noexcept

@@ -9,6 +9,7 @@
 #include <pb/pb_obj.hpp>
 
 #include <algorithm>
+#include <vector>
 
 using namespace test;
 
@@ -126,6 +127,23 @@ TEST(Mem, BlocksKeepTheirBytesWhenResized)
         block[to - 1] = 1; // the whole new size is writable
         pb___MemRelease(block, to);
     }
+}
+
+// Freed large blocks beyond what is kept push out the ones kept longest, so
+// that the sizes of the moment are there for the next blocks.
+TEST(Mem, LatestFreedBlocksAreKept)
+{
+    if (!pb::mem::isLarge(pb::mem::kLargeBlock))
+        GTEST_SKIP() << "every block comes from malloc in this build";
+    constexpr PB_INT kMiB = PB_INT{1} << 20;
+    std::vector<void *> blocks;
+    for (PB_INT n = 0; n < 12; ++n)
+        blocks.push_back(pb___MemAlloc((3 + 2 * n) * kMiB));
+    for (PB_INT n = 0; n < 12; ++n)
+        pb___MemRelease(blocks[static_cast<size_t>(n)], (3 + 2 * n) * kMiB);
+    void *again = pb___MemAlloc(25 * kMiB);
+    EXPECT_EQ(again, blocks.back());
+    pb___MemRelease(again, 25 * kMiB);
 }
 
 TEST(ObjDeathTest, StandardFunctionsAbortWithTheirFamilyText)
