@@ -50,25 +50,6 @@ bool Pieces::isTspecial(PB_INT i, PB_CHAR c) const noexcept
     return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
 }
 
-namespace {
-
-// The text of the quoted string c[0, n) (quotes included; the scanner saw to
-// it that a character follows each backslash) without quotes and escapes,
-// written from to on; returns the end. Every character is stored, and a
-// backslash that escapes is written over by the next.
-PB_CHAR *unescaped(const PB_CHAR *c, PB_INT n, PB_CHAR *to)
-{
-    bool escaping = false;
-    for (PB_INT k = 1; k < n - 1; ++k) {
-        *to = c[k];
-        escaping = c[k] == '\\' && !escaping;
-        to += !escaping;
-    }
-    return to;
-}
-
-} // namespace
-
 void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
 {
     const ShfPiece &piece = pieces_.data()[i];
@@ -81,7 +62,7 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
         out.append(c + 1, static_cast<size_t>(n - 2));
     } else {
         PB_CHAR *to = out.extend(static_cast<size_t>(n - 2));
-        out.truncate(from + static_cast<size_t>(unescaped(c, n, to) - to));
+        out.truncate(from + static_cast<size_t>(shfUnescaped(c, n, to) - to));
     }
     if (lower)
         for (PB_CHAR *p = out.data() + from, *end = out.data() + out.size(); p != end; ++p)
@@ -106,7 +87,7 @@ PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
         piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING && piece.escaped && !lower) {
         PB_CHAR *to = nullptr;
         PB_STRING *s = pb___StringCreateUnfilled(piece.length - 2, &to);
-        pbStringDelTrailing(&s, to + piece.length - 2 - unescaped(chars_ + piece.start, piece.length, to));
+        pbStringDelTrailing(&s, to + piece.length - 2 - shfUnescaped(chars_ + piece.start, piece.length, to));
         return s;
     }
     Chars chars;

@@ -25,6 +25,21 @@ struct ShfPiece {
     bool escaped; // a delimited piece that holds a backslash
 };
 
+// The text of the delimited piece c[0, n) (its delimiters included) without
+// them and without its escapes, written from to on (room for n - 2); returns
+// the end. Every character is stored, and a backslash that escapes is written
+// over by the next.
+inline PB_CHAR *shfUnescaped(const PB_CHAR *c, PB_INT n, PB_CHAR *to)
+{
+    bool escaping = false;
+    for (PB_INT k = 1; k < n - 1; ++k) {
+        *to = c[k];
+        escaping = c[k] == '\\' && !escaping;
+        to += !escaping;
+    }
+    return to;
+}
+
 class ShfScanner {
 public:
     enum class Step { Piece, End, Invalid };

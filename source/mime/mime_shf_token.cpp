@@ -1,8 +1,10 @@
 #include <mime/mime_char.h>
 #include <mime/mime_char.hpp>
 #include <mime/mime_object.hpp>
+#include <mime/mime_shf_scanner.hpp>
 #include <mime/mime_shf_token.h>
 #include <mime/mime_shf_token.hpp>
+#include <pb/pb_string.h>
 
 #include <vector>
 
@@ -184,18 +186,11 @@ PB_STRING *mimeShfTokenValue(MIME_SHF_TOKEN *tok) noexcept
     PB_ASSERT( tok );
     if (tok->type == MIME_SHF_TOKEN_TYPE_TSPECIAL || tok->type == MIME_SHF_TOKEN_TYPE_TOKEN)
         return mimeShfTokenRawValue(tok);
-    const PB_CHAR *inner = pbStringBacking(tok->rawValue) + 1;
-    PB_INT length = pbStringLength(tok->rawValue) - 2;
-    std::vector<PB_CHAR> value;
-    value.reserve(static_cast<size_t>(length));
-    for (PB_INT i = 0; i < length; ++i) {
-        if (inner[i] == '\\') {
-            PB_ASSERT( i<length-1 );
-            ++i;
-        }
-        value.push_back(inner[i]);
-    }
-    return stringOf(value);
+    const PB_INT n = pbStringLength(tok->rawValue);
+    PB_CHAR *to = nullptr;
+    PB_STRING *value = pb___StringCreateUnfilled(n - 2, &to);
+    pbStringDelTrailing(&value, to + n - 2 - mime::shfUnescaped(pbStringBacking(tok->rawValue), n, to));
+    return value;
 }
 
 MIME_SHF_TOKEN *mimeShfTokenCreateTokenOrQuotedStringCstr(const char *text, PB_INT length) noexcept

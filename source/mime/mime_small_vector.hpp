@@ -37,12 +37,6 @@ public:
         return at;
     }
     void push_back(const T &x) { *extend(1) = x; }
-    // Room for count elements in all, so that appending up to there moves nothing.
-    void reserve(size_t count)
-    {
-        if (count > capacity_)
-            grow(count - size_);
-    }
     void append(const T *items, size_t count)
     {
         if (count)
