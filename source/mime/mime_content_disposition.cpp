@@ -311,19 +311,23 @@ MIME_CONTENT_DISPOSITION *mime::readContentDisposition(PB_STRING *value, MIME_OP
                                                        const rfc2231::Tolerance &lookup) noexcept
 {
     mime::clearDefect(defect);
-    mime::parameters::Pieces pieces;
-    if (!pieces.scan(value)) {
+    mime::parameters::Pieces pieces(value);
+    Ref<PB_STRING> type;
+    if (pieces.has(0) && pieces.isWord(0))
+        type = adopt(pieces.word(0, true));
+    const bool typeOk = type && mimeContentDispositionTypeOk(type.get());
+    const PB_INT typeAt = pieces.offsetOf(0);
+    Ref<PB_DICT> parameters;
+    if (typeOk)
+        parameters = adopt(mime::parameters::read(pieces, 1, mo, lookup));
+    if (!pieces.finish()) {
         mime::report(defect, MIME_DEFECT_CONTENT_DISPOSITION_INVALID, pieces.failedAt());
         return nullptr;
     }
-    Ref<PB_STRING> type;
-    if (pieces.length() > 0 && pieces.isWord(0))
-        type = adopt(pieces.word(0, true));
-    if (!type || !mimeContentDispositionTypeOk(type.get())) {
-        mime::report(defect, MIME_DEFECT_CONTENT_DISPOSITION_INVALID, pieces.offsetOf(0));
+    if (!typeOk) {
+        mime::report(defect, MIME_DEFECT_CONTENT_DISPOSITION_INVALID, typeAt);
         return nullptr;
     }
-    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 1, mo, lookup));
     return createNormalized(type.get(), parameters.get());
 }
 

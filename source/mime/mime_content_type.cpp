@@ -318,28 +318,25 @@ MIME_CONTENT_TYPE *mimeContentTypeTryDecodeWithDefect(PB_STRING *contentType, MI
 
 PB_DICT *mime::readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup) noexcept
 {
-    mime::parameters::Pieces pieces;
+    // A value that the lexer refuses is read from its start (a rare path: lexed twice).
+    const bool lexed = mime::parameters::Pieces(value).finish();
+    mime::parameters::Pieces pieces(value);
     PB_INT start = 0;
-    if (pieces.scan(value))
-        while (start < pieces.length() && !pieces.isTspecial(start, ';'))
-            ++start;
-    return mime::parameters::read(pieces, start, mo, lookup);
+    while (lexed && pieces.has(start) && !pieces.isTspecial(start, ';'))
+        ++start;
+    return mime::parameters::read(pieces, start, mo, lookup, true);
 }
 
 MIME_CONTENT_TYPE *mime::readContentType(PB_STRING *contentType, MIME_OPTIONS *mo, MIME_DEFECT **defect,
                                          const rfc2231::Tolerance &lookup) noexcept
 {
     mime::clearDefect(defect);
-    mime::parameters::Pieces pieces;
-    if (!pieces.scan(contentType)) {
-        mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, pieces.failedAt());
-        return nullptr;
-    }
+    mime::parameters::Pieces pieces(contentType);
     // type "/" subtype: the first piece that is not where it belongs.
-    PB_INT bad = !pieces.isWord(0)                                   ? 0
-                 : pieces.length() < 2 || !pieces.isTspecial(1, '/') ? 1
-                 : pieces.length() < 3 || !pieces.isWord(2)          ? 2
-                                                                     : -1;
+    PB_INT bad = !pieces.has(0) || !pieces.isWord(0)            ? 0
+                 : !pieces.has(1) || !pieces.isTspecial(1, '/') ? 1
+                 : !pieces.has(2) || !pieces.isWord(2)          ? 2
+                                                                : -1;
     Ref<PB_STRING> name;
     if (bad < 0) {
         mime::parameters::Pieces::Chars chars;
@@ -349,11 +346,18 @@ MIME_CONTENT_TYPE *mime::readContentType(PB_STRING *contentType, MIME_OPTIONS *m
         name = adopt(mime::commonWords::string(chars.data(), chars.size()));
         bad = mimeContentTypeNameOk(name.get()) ? -1 : 0;
     }
-    if (bad >= 0) {
-        mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, pieces.offsetOf(bad));
+    const PB_INT badAt = bad >= 0 ? pieces.offsetOf(bad) : -1;
+    Ref<PB_DICT> parameters;
+    if (bad < 0)
+        parameters = adopt(mime::parameters::read(pieces, 3, mo, lookup));
+    if (!pieces.finish()) {
+        mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, pieces.failedAt());
         return nullptr;
     }
-    Ref<PB_DICT> parameters = adopt(mime::parameters::read(pieces, 3, mo, lookup));
+    if (bad >= 0) {
+        mime::report(defect, MIME_DEFECT_CONTENT_TYPE_INVALID, badAt);
+        return nullptr;
+    }
     return createNormalized(name.get(), parameters.get());
 }
 

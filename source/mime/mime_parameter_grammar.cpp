@@ -16,43 +16,59 @@ using pb::Ref;
 
 using namespace chars;
 
-bool Pieces::scan(PB_STRING *value) noexcept
+bool Pieces::scanned(ShfPiece &piece) noexcept
 {
-    chars_ = pbStringBacking(value);
-    valueLength_ = pbStringLength(value);
-    failedAt_ = -1;
-    pieces_.clear();
-    ShfScanner scanner(chars_, valueLength_);
-    for (ShfPiece piece{};;) {
-        switch (scanner.next(piece)) {
-        case ShfScanner::Step::Piece:
-            if (piece.type != MIME_SHF_TOKEN_TYPE_COMMENT)
-                pieces_.push_back(piece);
-            break;
-        case ShfScanner::Step::End:
-            return true;
-        case ShfScanner::Step::Invalid:
-            failedAt_ = scanner.at();
-            return false;
-        }
+    if (finished_)
+        return false;
+    switch (scanner_.next(piece)) {
+    case ShfScanner::Step::Piece:
+        return true;
+    case ShfScanner::Step::Invalid:
+        failedAt_ = scanner_.at();
+        break;
+    case ShfScanner::Step::End:
+        break;
     }
+    finished_ = true;
+    return false;
+}
+
+bool Pieces::has(PB_INT i) noexcept
+{
+    for (ShfPiece piece{}; read_ <= i && scanned(piece);)
+        if (piece.type != MIME_SHF_TOKEN_TYPE_COMMENT)
+            kept_[read_++ % kKept] = piece;
+    return i < read_;
+}
+
+bool Pieces::finish() noexcept
+{
+    for (ShfPiece piece{}; scanned(piece);) {
+    }
+    return failedAt_ < 0;
+}
+
+const ShfPiece &Pieces::at(PB_INT i) const noexcept
+{
+    PB_ASSERT( i < read_ && i >= read_ - kKept );
+    return kept_[i % kKept];
 }
 
 bool Pieces::isWord(PB_INT i) const noexcept
 {
-    MIME_SHF_TOKEN_TYPE type = pieces_.data()[i].type;
+    MIME_SHF_TOKEN_TYPE type = at(i).type;
     return type == MIME_SHF_TOKEN_TYPE_TOKEN || type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
 }
 
 bool Pieces::isTspecial(PB_INT i, PB_CHAR c) const noexcept
 {
-    const ShfPiece &piece = pieces_.data()[i];
+    const ShfPiece &piece = at(i);
     return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
 }
 
 void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
 {
-    const ShfPiece &piece = pieces_.data()[i];
+    const ShfPiece &piece = at(i);
     const PB_CHAR *c = chars_ + piece.start;
     PB_INT n = piece.length;
     size_t from = out.size();
@@ -71,7 +87,7 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
 
 bool Pieces::plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept
 {
-    const ShfPiece &piece = pieces_.data()[i];
+    const ShfPiece &piece = at(i);
     if (piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING && piece.escaped)
         return false;
     const bool quoted = piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
@@ -83,8 +99,7 @@ bool Pieces::plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept
 PB_STRING *Pieces::word(PB_INT i, bool lower) const noexcept
 {
     // An escaped quoted string is written straight into the string (one copy).
-    if (const ShfPiece &piece = pieces_.data()[i];
-        piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING && piece.escaped && !lower) {
+    if (const ShfPiece &piece = at(i); piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING && piece.escaped && !lower) {
         PB_CHAR *to = nullptr;
         PB_STRING *s = pb___StringCreateUnfilled(piece.length - 2, &to);
         pbStringDelTrailing(&s, to + piece.length - 2 - shfUnescaped(chars_ + piece.start, piece.length, to));
@@ -279,27 +294,24 @@ void readLoosely(const PB_CHAR *c, PB_INT at, PB_INT n, Collected &collected)
 
 } // namespace
 
-PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup) noexcept
+PB_DICT *read(Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup, bool toFault) noexcept
 {
     Collected collected;
-    PB_INT n = pieces.length();
-    for (PB_INT i = start; i < n;) {
-        if (!pieces.isTspecial(i, ';') || i == n - 1 || !pieces.isWord(i + 1)) {
+    // Where the list starts, for reading it again as mail readers split it.
+    const bool list = pieces.has(start) && pieces.isTspecial(start, ';');
+    const PB_INT listAt = pieces.offsetOf(start);
+    bool loose = false; // the grammar stopped before the end
+    for (PB_INT i = start; pieces.has(i);) {
+        const bool last = !pieces.has(i + 1);
+        if (!pieces.isTspecial(i, ';') || last || !pieces.isWord(i + 1)) {
             // Stopped before the end, but for a ";" that ends the list.
-            if (lookup.tolerant && !(i == n - 1 && pieces.isTspecial(i, ';')) && pieces.isTspecial(start, ';')) {
-                collected.clear();
-                readLoosely(pieces.chars(), pieces.offsetOf(start), pieces.valueLength(), collected);
-                if (lookup.note)
-                    lookup.note(lookup.context, MIME_DEFECT_PARAMETERS_MALFORMED, {});
-            }
+            loose = lookup.tolerant && !(last && pieces.isTspecial(i, ';')) && list;
             break;
         }
-        if (i + 1 == n - 1 || !pieces.isTspecial(i + 2, '=')) {
+        if (!pieces.has(i + 2) || !pieces.isTspecial(i + 2, '=')) {
             collected.add(pieces, i + 1, -1); // a key alone
-            if (i + 1 == n - 1)
-                break;
             i += 2;
-        } else if (i + 2 == n - 1) {
+        } else if (!pieces.has(i + 3)) {
             collected.add(pieces, i + 1, -1); // "=" at the end
             break;
         } else if (pieces.isWord(i + 3)) {
@@ -309,6 +321,14 @@ PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc223
             collected.add(pieces, i + 1, -1); // "=" without a value
             i += 3;
         }
+    }
+    if (!pieces.finish() && !toFault)
+        return nullptr;
+    if (loose) {
+        collected.clear();
+        readLoosely(pieces.chars(), listAt, pieces.valueLength(), collected);
+        if (lookup.note)
+            lookup.note(lookup.context, MIME_DEFECT_PARAMETERS_MALFORMED, {});
     }
     // Without a key of an RFC 2231 form the decoding would give the same parameters.
     if (collected.rfc2231 && (mimeOptionsFlags(mo) & MIME_FLAG_PARSE_RFC2231_HEADERS))

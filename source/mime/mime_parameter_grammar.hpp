@@ -24,20 +24,32 @@
 
 namespace mime::parameters {
 
-// The pieces of a header value, comments dropped.
+// The pieces of a header value, comments dropped, read from the lexer as they
+// are asked for: only the last few are kept, so reading a value of any size
+// keeps no more than its result. Pieces are numbered from 0; a reader asks for
+// them in increasing order and looks back at most kKept - 1 pieces.
 class Pieces {
 public:
     using Chars = mime::SmallVector<PB_CHAR, 256>;
+    static constexpr PB_INT kKept = 8;
 
-    // False when the lexer refuses the value; failedAt() then tells where.
-    bool scan(PB_STRING *value) noexcept;
+    explicit Pieces(PB_STRING *value) noexcept
+        : chars_(pbStringBacking(value)), valueLength_(pbStringLength(value)), scanner_(chars_, valueLength_)
+    {
+    }
+    // Whether the value has a piece i. False too when the lexer refuses the
+    // value before it.
+    bool has(PB_INT i) noexcept;
+    // Reads the rest of the value: false when the lexer refuses it (anywhere),
+    // failedAt() then tells where.
+    bool finish() noexcept;
     PB_INT failedAt() const { return failedAt_; }
-    PB_INT length() const { return static_cast<PB_INT>(pieces_.size()); }
     // Where piece i starts in the value; the value's length past the last piece.
-    PB_INT offsetOf(PB_INT i) const noexcept { return i < length() ? pieces_.data()[i].start : valueLength_; }
+    PB_INT offsetOf(PB_INT i) noexcept { return has(i) ? at(i).start : valueLength_; }
     // The value's characters.
     const PB_CHAR *chars() const noexcept { return chars_; }
     PB_INT valueLength() const noexcept { return valueLength_; }
+    // For a piece that the value has (has(i)):
     bool isWord(PB_INT i) const noexcept;
     bool isTspecial(PB_INT i, PB_CHAR c) const noexcept;
     // The plain value of word i (a quoted string without quotes and escapes),
@@ -50,10 +62,18 @@ public:
     bool plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept;
 
 private:
-    const PB_CHAR *chars_ = nullptr;
-    PB_INT valueLength_ = 0;
-    PB_INT failedAt_ = -1;
-    mime::SmallVector<ShfPiece, 32> pieces_;
+    // The lexer's next piece (comments too), or false at the end of the value
+    // or where the lexer refuses it.
+    bool scanned(ShfPiece &piece) noexcept;
+    const ShfPiece &at(PB_INT i) const noexcept;
+
+    const PB_CHAR *chars_;
+    PB_INT valueLength_;
+    ShfScanner scanner_;
+    PB_INT read_ = 0;       // pieces read so far
+    PB_INT failedAt_ = -1;  // where the lexer refused the value
+    bool finished_ = false; // the lexer has reached the end or refused the value
+    ShfPiece kept_[kKept];  // piece i in kept_[i % kKept]
 };
 
 // A new dictionary of the parameters read from pieces[start...], keys in lower
@@ -61,8 +81,11 @@ private:
 // ask for it, their charsets found as lookup says. Read tolerantly, a list that
 // the grammar stops in is read again from pieces[start] as mail readers split
 // it: at each ";" outside quotes, then at the first "=", key and value trimmed
-// and a quoted value unquoted.
-PB_DICT *read(const Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup = {}) noexcept;
+// and a quoted value unquoted. When the lexer refuses the value (read to its
+// end first): null, or with toFault the parameters of the pieces before the
+// fault, as if the value ended there (the raw text still read loosely).
+PB_DICT *read(Pieces &pieces, PB_INT start, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup = {},
+              bool toFault = false) noexcept;
 
 // Writes ";key=value" for each parameter to be written (in RFC 2231 form when
 // the options ask for it; values beyond ASCII only when they allow them).

@@ -18,8 +18,9 @@ MIME_CONTENT_DISPOSITION *readContentDisposition(PB_STRING *value, MIME_OPTIONS 
                                                  const rfc2231::Tolerance &lookup) noexcept;
 
 // The parameters that can be read from value after its first ";" (none when it
-// has none or cannot be scanned), as the decoders above read them: what is
-// kept of a Content-Type whose type is unusable.
+// has none), as the decoders above read them: what is kept of a Content-Type
+// whose type is unusable. A value that the lexer refuses is read from its
+// start up to the fault (parameters only when it starts with ";").
 PB_DICT *readParametersOnly(PB_STRING *value, MIME_OPTIONS *mo, const rfc2231::Tolerance &lookup) noexcept;
 
 } // namespace mime

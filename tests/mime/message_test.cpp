@@ -259,9 +259,24 @@ TEST(Defects, StrictReadersSayWhyAndWhere)
         EXPECT_FALSE(adopt(mimeEntityTryParseWithDefect(bytes(c.input).get(), mo.get(), defect.addr())));
         check(defect.get(), c.code, c.offset);
     }
+    // A value the lexer refuses is refused there, even after a bad type or
+    // after parameters read well.
     Ref<MIME_DEFECT> defect;
-    EXPECT_FALSE(adopt(mimeContentTypeTryDecodeWithDefect(str("text/plain; a=\"open").get(), mo.get(), defect.addr())));
-    check(defect.get(), MIME_DEFECT_CONTENT_TYPE_INVALID, 14);
+    for (const Case &c : std::vector<Case>{{"text/plain; a=\"open", MIME_DEFECT_CONTENT_TYPE_INVALID, 14},
+                                           {"text/ (x) ; a=b; c=d (open", MIME_DEFECT_CONTENT_TYPE_INVALID, 21},
+                                           {"text/; a=\"open", MIME_DEFECT_CONTENT_TYPE_INVALID, 9},
+                                           {"text (c) /; a=b", MIME_DEFECT_CONTENT_TYPE_INVALID, 10},
+                                           {"", MIME_DEFECT_CONTENT_TYPE_INVALID, 0}}) {
+        EXPECT_FALSE(adopt(mimeContentTypeTryDecodeWithDefect(str(c.input).get(), mo.get(), defect.addr())));
+        check(defect.get(), c.code, c.offset);
+    }
+    for (const Case &c : std::vector<Case>{{"inline; a=b; c=[open", MIME_DEFECT_CONTENT_DISPOSITION_INVALID, 15},
+                                           {"; a=b; c=\"open", MIME_DEFECT_CONTENT_DISPOSITION_INVALID, 9},
+                                           {" ; a=b", MIME_DEFECT_CONTENT_DISPOSITION_INVALID, 1},
+                                           {" (c)", MIME_DEFECT_CONTENT_DISPOSITION_INVALID, 4}}) {
+        EXPECT_FALSE(adopt(mimeContentDispositionTryDecodeWithDefect(str(c.input).get(), mo.get(), defect.addr())));
+        check(defect.get(), c.code, c.offset);
+    }
     Ref<MIME_ENTITY> entity = entityOf({"text/plain", {}, "base64", {}, "QUJD\r\nQ*JD"});
     EXPECT_FALSE(mimeDecodeWithDefect(entity.get(), mo.get(), nullptr, nullptr, nullptr, nullptr, defect.addr()));
     check(defect.get(), MIME_DEFECT_BODY_INVALID, 7);
