@@ -43,8 +43,9 @@ bool Pieces::has(PB_INT i) noexcept
 
 bool Pieces::finish() noexcept
 {
-    for (ShfPiece piece{}; scanned(piece);) {
-    }
+    ShfPiece piece{};
+    while (scanned(piece))
+        continue;
     return failedAt_ < 0;
 }
 
