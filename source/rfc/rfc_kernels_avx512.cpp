@@ -28,6 +28,7 @@ struct Base64Step512 {
         const __m512i groups = _mm512_setr_epi32(0x01020001, 0x04050304, 0x07080607, 0x0a0b090a, 0x0d0e0c0d, 0x10110f10,
                                                  0x13141213, 0x16171516, 0x191a1819, 0x1c1d1b1c, 0x1f201e1f, 0x22232122,
                                                  0x25262425, 0x28292728, 0x2b2c2a2b, 0x2e2f2d2e);
+        _mm_prefetch(reinterpret_cast<const char *>(in + kPrefetchAhead), _MM_HINT_T0);
         __m512i bytes = _mm512_maskz_loadu_epi8((uint64_t{1} << 48) - 1, in);
         __m512i slots = _mm512_permutexvar_epi8(groups, bytes);
         __m512i sextets = _mm512_multishift_epi64_epi8(_mm512_set1_epi64(0x3036242a1016040a), slots);
