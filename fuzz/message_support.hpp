@@ -163,7 +163,8 @@ private:
     static bool passedByStrict(MIME_DEFECT_CODE code)
     {
         return code == MIME_DEFECT_CHARSET_UNKNOWN || code == MIME_DEFECT_ENCODED_WORD_IN_PARAMETER ||
-               code == MIME_DEFECT_CONTAINER_ENCODED || code == MIME_DEFECT_PARAMETERS_MALFORMED;
+               code == MIME_DEFECT_CONTAINER_ENCODED || code == MIME_DEFECT_PARAMETERS_MALFORMED ||
+               code == MIME_DEFECT_DELIMITER_REPEATED; // (a close delimiter right after a delimiter line)
     }
 
     // Whether a part (and its children, message bodies aside) holds only

@@ -58,18 +58,23 @@ void splitMultipart(const PB_BYTE *b, PB_INT from, PB_INT end, std::string_view 
         PB_INT next = 0;
         bool closing = false;
         if (!readDelimiterLine(b, hit, end, m, next, closing)) {
-            if (!malformed)
+            // (Right after a delimiter line it is no delimiter by RFC 2046, whose
+            // delimiter takes the CR LF before it: only body data.)
+            if (!malformed && hit != partStart)
                 defects.add(MIME_DEFECT_DELIMITER_LINE_MALFORMED, hit, boundary);
-            malformed = true;
+            malformed |= hit != partStart;
             continue;
         }
         out.found = true;
-        if (hit == partStart && !closing) {
+        if (hit == partStart) {
             // Delimiter lines in a row enclose no part, as mail readers see them
-            // (but a close delimiter right after one closes an empty part).
+            // (but a close delimiter right after one closes an empty part); RFC
+            // 2046 reads the second as the first line of a part.
             if (!repeated)
                 defects.add(MIME_DEFECT_DELIMITER_REPEATED, hit, boundary);
             repeated = true;
+            if (closing)
+                out.parts.push_back({partStart, partStart});
         } else if (partStart >= 0) {
             PB_INT partEnd = lineEndBefore(b, from, hit);
             out.parts.push_back({partStart, partEnd > partStart ? partEnd : partStart});
