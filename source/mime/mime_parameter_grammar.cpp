@@ -33,7 +33,7 @@ bool Pieces::scanned(ShfPiece &piece) noexcept
     return false;
 }
 
-bool Pieces::has(PB_INT i) noexcept
+bool Pieces::readUpTo(PB_INT i) noexcept
 {
     for (ShfPiece piece{}; read_ <= i && scanned(piece);)
         if (piece.type != MIME_SHF_TOKEN_TYPE_COMMENT)
@@ -47,24 +47,6 @@ bool Pieces::finish() noexcept
     while (scanned(piece))
         continue;
     return failedAt_ < 0;
-}
-
-const ShfPiece &Pieces::at(PB_INT i) const noexcept
-{
-    PB_ASSERT( i < read_ && i >= read_ - kKept );
-    return kept_[i % kKept];
-}
-
-bool Pieces::isWord(PB_INT i) const noexcept
-{
-    MIME_SHF_TOKEN_TYPE type = at(i).type;
-    return type == MIME_SHF_TOKEN_TYPE_TOKEN || type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
-}
-
-bool Pieces::isTspecial(PB_INT i, PB_CHAR c) const noexcept
-{
-    const ShfPiece &piece = at(i);
-    return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
 }
 
 void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept

@@ -39,7 +39,7 @@ public:
     }
     // Whether the value has a piece i. False too when the lexer refuses the
     // value before it.
-    bool has(PB_INT i) noexcept;
+    bool has(PB_INT i) noexcept { return i < read_ || readUpTo(i); }
     // Reads the rest of the value: false when the lexer refuses it (anywhere),
     // failedAt() then tells where.
     bool finish() noexcept;
@@ -50,8 +50,16 @@ public:
     const PB_CHAR *chars() const noexcept { return chars_; }
     PB_INT valueLength() const noexcept { return valueLength_; }
     // For a piece that the value has (has(i)):
-    bool isWord(PB_INT i) const noexcept;
-    bool isTspecial(PB_INT i, PB_CHAR c) const noexcept;
+    bool isWord(PB_INT i) const noexcept
+    {
+        MIME_SHF_TOKEN_TYPE type = at(i).type;
+        return type == MIME_SHF_TOKEN_TYPE_TOKEN || type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING;
+    }
+    bool isTspecial(PB_INT i, PB_CHAR c) const noexcept
+    {
+        const ShfPiece &piece = at(i);
+        return piece.type == MIME_SHF_TOKEN_TYPE_TSPECIAL && chars_[piece.start] == c;
+    }
     // The plain value of word i (a quoted string without quotes and escapes),
     // lower-cased on request.
     PB_STRING *word(PB_INT i, bool lower) const noexcept;
@@ -65,7 +73,13 @@ private:
     // The lexer's next piece (comments too), or false at the end of the value
     // or where the lexer refuses it.
     bool scanned(ShfPiece &piece) noexcept;
-    const ShfPiece &at(PB_INT i) const noexcept;
+    // has(i) for a piece not yet read: reads up to it.
+    bool readUpTo(PB_INT i) noexcept;
+    const ShfPiece &at(PB_INT i) const noexcept
+    {
+        PB_ASSERT( i < read_ && i >= read_ - kKept );
+        return kept_[i % kKept];
+    }
 
     const PB_CHAR *chars_;
     PB_INT valueLength_;

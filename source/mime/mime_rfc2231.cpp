@@ -110,9 +110,9 @@ bool mime___Rfc2231DecodeValue(Span value, Bytes &bytes)
 // The text of bytes in charset, as a new string. Empties bytes.
 PB_STRING *converted(Bytes &bytes, PB_CHARSET charset)
 {
-    Ref<PB_BUFFER> buffer = adopt(pbBufferCreateFromBytesCopy(bytes.data(), static_cast<PB_INT>(bytes.size())));
+    PB_STRING *text = pb___CharsetConvertBytesToString(charset, bytes.data(), static_cast<PB_INT>(bytes.size()));
     bytes.clear();
-    return pbCharsetConvertBufferToString(charset, buffer.get());
+    return text;
 }
 
 // The text of bytes in charset, appended to *joined; false when the length

@@ -509,6 +509,12 @@ PB_STRING *decodeNative(Native native, const PB_BYTE *bytes, PB_INT n, bool stri
     return s.release();
 }
 
+// The text of bytes[0, n) in the charset; null when strict and they are not valid.
+PB_STRING *decoded(const Charset &cs, const PB_BYTE *bytes, PB_INT n, bool strict)
+{
+    return cs.native != Native::None ? decodeNative(cs.native, bytes, n, strict) : decodeIconv(cs, bytes, n, strict);
+}
+
 } // namespace
 
 PB_CHARSET pbCharsetFromIanaName(PB_STRING *name) noexcept
@@ -576,9 +582,16 @@ PB_STRING *pbCharsetTryConvertBufferToStringWithFlags(PB_CHARSET charset, PB_BUF
     const Charset &cs = kCharsets[charset];
     const PB_BYTE *bytes = pbBufferBacking(buf);
     PB_INT n = pbBufferLength(buf);
-    PB_STRING *s =
-        cs.native != Native::None ? decodeNative(cs.native, bytes, n, strict) : decodeIconv(cs, bytes, n, strict);
+    PB_STRING *s = decoded(cs, bytes, n, strict);
     if (s && incomplete)
         pbStringAppendChar(&s, pb::utf8::kReplacement);
     return s;
+}
+
+PB_STRING *pb___CharsetConvertBytesToString(PB_CHARSET charset, const PB_BYTE *bytes, PB_INT count) noexcept
+{
+    PB_ASSERT( PB_CHARSET_OK( charset ) );
+    PB_ASSERT( bytes || count == 0 );
+    PB_ASSERT( count >= 0 );
+    return decoded(kCharsets[charset], bytes, count, false);
 }

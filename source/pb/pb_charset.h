@@ -111,6 +111,11 @@ PB_API PB_STRING *pbCharsetConvertBufferToString(PB_CHARSET charset, PB_BUFFER *
 PB_API PB_STRING *pbCharsetTryConvertBufferToStringWithFlags(PB_CHARSET charset, PB_BUFFER *buf,
                                                              PB_INT flags) PB_NOEXCEPT;
 
+/** Internal (for the other libraries of this product): as
+ * pbCharsetConvertBufferToString, from the bytes[0, count) of a caller's
+ * memory rather than from a buffer. */
+PB_API PB_STRING *pb___CharsetConvertBytesToString(PB_CHARSET charset, const PB_BYTE *bytes, PB_INT count) PB_NOEXCEPT;
+
 PB_END_DECLS
 
 #endif

@@ -56,13 +56,11 @@ ThreadCounter::~ThreadCounter()
     threadState = 2;
 }
 
-void countLive(int64_t delta) noexcept
+void countLive(int64_t delta) noexcept;
+
+// A count before the thread's counter exists (made here), or after it is gone.
+[[gnu::noinline]] void countLiveFirstOrLast(int64_t delta) noexcept
 {
-    if (PB_LIKELY(threadState == 1)) {
-        std::atomic<int64_t> &count = threadCounter->count;
-        count.store(count.load(std::memory_order_relaxed) + delta, std::memory_order_relaxed);
-        return;
-    }
     if (threadState == 0) {
         thread_local ThreadCounter owned;
         threadCounter = &owned.counter;
@@ -71,6 +69,16 @@ void countLive(int64_t delta) noexcept
         return;
     }
     exitedCount.fetch_add(delta, std::memory_order_relaxed);
+}
+
+inline void countLive(int64_t delta) noexcept
+{
+    if (PB_LIKELY(threadState == 1)) {
+        std::atomic<int64_t> &count = threadCounter->count;
+        count.store(count.load(std::memory_order_relaxed) + delta, std::memory_order_relaxed);
+        return;
+    }
+    countLiveFirstOrLast(delta);
 }
 
 extern "C" {
