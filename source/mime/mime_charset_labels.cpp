@@ -270,9 +270,7 @@ PB_CHARSET charsetFromLabel(const PB_CHAR *chars, PB_INT length) noexcept
 
 PB_CHARSET charsetFromNameOrLabel(const PB_CHAR *chars, PB_INT length, bool &registered) noexcept
 {
-    PB_STRING *name = pbStringCreateFromCharsCopy(chars, length);
-    PB_CHARSET charset = pbCharsetFromIanaName(name);
-    pbStringRelease(name);
+    PB_CHARSET charset = pb___CharsetFromIanaNameChars(chars, length);
     registered = PB_CHARSET_OK(charset);
     return registered ? charset : charsetFromLabel(chars, length);
 }

@@ -328,12 +328,28 @@ void visitingOrder(const Entry *entries, size_t count, const Segments &segments,
     visits.truncate(kept);
 }
 
+// The characters of segment 0 (value) and of the segments after it up to the
+// first gap, in either form: room enough for their joined text (decoding
+// percent escapes and charsets never makes text longer).
+PB_INT joinedRoom(const Entry *entries, const Segments::Walk &walk, Span value)
+{
+    PB_INT room = value.length;
+    for (PB_INT n = 1; n < PB_INT_MAX; ++n) {
+        PB_INT encoded = walk.find(n, true), plain = walk.find(n, false);
+        if (encoded < 0 && plain < 0)
+            break;
+        room += (encoded < 0 ? 0 : entries[encoded].value.length) + (plain < 0 ? 0 : entries[plain].value.length);
+    }
+    return room;
+}
+
 // Joins the segments of the continuation whose segment 0 holds value; null when
 // the entry is dropped.
 PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span name, Span value, bool extended,
                             const Tolerance &lookup)
 {
-    Ref<PB_STRING> joined = adopt(pbStringCreate());
+    Segments::Walk walk(segments, name);
+    Ref<PB_STRING> joined = adopt(pb___StringCreateWithRoom(joinedRoom(entries, walk, value)));
     Bytes pending;
     PB_CHARSET charset = -1;
     if (extended) {
@@ -343,7 +359,6 @@ PB_STRING *joinContinuation(const Entry *entries, const Segments &segments, Span
     } else {
         appendPlain(joined.addr(), value);
     }
-    Segments::Walk walk(segments, name);
     for (PB_INT n = 0; n < PB_INT_MAX;) { // stops at a gap, or at the largest number
         ++n;
         if (PB_CHARSET_OK(charset)) {

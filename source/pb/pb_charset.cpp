@@ -339,14 +339,12 @@ constexpr bool aliasesUnique()
 }
 static_assert(aliasesUnique(), "an alias names two character sets, or is empty or too long");
 
-PB_CHARSET lookup(PB_STRING *name)
+// The code of the charset named chars[0, n) (any case), or -1.
+PB_CHARSET lookup(const PB_CHAR *chars, PB_INT n)
 {
-    PB_ASSERT( name );
-    PB_INT n = pbStringLength(name);
     char text[sizeof(LoweredAlias::name)];
     if (n == 0 || n >= static_cast<PB_INT>(sizeof text))
         return -1;
-    const PB_CHAR *chars = pbStringBacking(name);
     for (PB_INT i = 0; i < n; ++i) {
         if (chars[i] > 0x7E || chars[i] <= 0x20)
             return -1;
@@ -519,7 +517,8 @@ PB_STRING *decoded(const Charset &cs, const PB_BYTE *bytes, PB_INT n, bool stric
 
 PB_CHARSET pbCharsetFromIanaName(PB_STRING *name) noexcept
 {
-    return lookup(name);
+    PB_ASSERT( name );
+    return lookup(pbStringBacking(name), pbStringLength(name));
 }
 
 PB_STRING *pbCharsetToIanaName(PB_CHARSET charset) noexcept
@@ -535,7 +534,15 @@ PB_STRING *pbCharsetToString(PB_CHARSET charset) noexcept
 
 PB_CHARSET pbCharsetFromString(PB_STRING *text) noexcept
 {
-    return lookup(text);
+    PB_ASSERT( text );
+    return lookup(pbStringBacking(text), pbStringLength(text));
+}
+
+PB_CHARSET pb___CharsetFromIanaNameChars(const PB_CHAR *chars, PB_INT count) noexcept
+{
+    PB_ASSERT( chars || count == 0 );
+    PB_ASSERT( count >= 0 );
+    return lookup(chars, count);
 }
 
 PB_CHARSET pbCharsetFromIanaNameCstr(const char *name, PB_INT length) noexcept

@@ -83,6 +83,9 @@ PB_API PB_CHARSET pbCharsetFromIanaName(PB_STRING *name) PB_NOEXCEPT;
 PB_API PB_CHARSET pbCharsetFromIanaNameCstr(const char *name, PB_INT length) PB_NOEXCEPT;
 /** pbCharsetFromIanaName for name in wide characters (length -1: up to the NUL). */
 PB_API PB_CHARSET pbCharsetFromIanaNameWcstr(const wchar_t *name, PB_INT length) PB_NOEXCEPT;
+/** Internal (for the other libraries of this product): pbCharsetFromIanaName
+ * for the name chars[0, count) of a caller's memory. */
+PB_API PB_CHARSET pb___CharsetFromIanaNameChars(const PB_CHAR *chars, PB_INT count) PB_NOEXCEPT;
 
 /** A new string, the preferred IANA name of a valid code ("UTF-8" for 44). */
 PB_API PB_STRING *pbCharsetToIanaName(PB_CHARSET charset) PB_NOEXCEPT;

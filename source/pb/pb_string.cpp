@@ -198,6 +198,11 @@ PB_STRING *pb___StringCreateUnfilled(PB_INT count, PB_CHAR **chars) noexcept
     return s;
 }
 
+PB_STRING *pb___StringCreateWithRoom(PB_INT count) noexcept
+{
+    return pb::string::createWithCapacity(count);
+}
+
 PB_STRING *pb___StringCreateConstant(const PB_CHAR *chars, PB_INT count) noexcept
 {
     PB_ASSERT( count >= 0 && count <= kMaxLength );

@@ -64,6 +64,11 @@ PB_API PB_STRING *pb___StringCreateConstant(const PB_CHAR *chars, PB_INT count) 
  * module that decodes text straight into the string it returns. */
 PB_API PB_STRING *pb___StringCreateUnfilled(PB_INT count, PB_CHAR **chars) PB_NOEXCEPT;
 
+/** Internal: a new empty string with room for count code points (>= 0), so
+ * that appending up to that many allocates nothing: for a module that knows
+ * how long the text it joins can grow. */
+PB_API PB_STRING *pb___StringCreateWithRoom(PB_INT count) PB_NOEXCEPT;
+
 /** Returns a new string of the first count code points of s (count <= length). */
 PB_API PB_STRING *pbStringCreateFromLeading(PB_STRING *s, PB_INT count) PB_NOEXCEPT;
 
