@@ -56,7 +56,7 @@ ThreadCounter::~ThreadCounter()
     threadState = 2;
 }
 
-void countLive(int64_t delta) noexcept;
+inline void countLive(int64_t delta) noexcept;
 
 // A count before the thread's counter exists (made here), or after it is gone.
 [[gnu::noinline]] void countLiveFirstOrLast(int64_t delta) noexcept
