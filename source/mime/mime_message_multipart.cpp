@@ -58,11 +58,12 @@ void splitMultipart(const PB_BYTE *b, PB_INT from, PB_INT end, std::string_view 
         PB_INT next = 0;
         bool closing = false;
         if (!readDelimiterLine(b, hit, end, m, next, closing)) {
-            // (Right after a delimiter line it is no delimiter by RFC 2046, whose
-            // delimiter takes the CR LF before it: only body data.)
-            if (!malformed && hit != partStart)
+            // Right after a delimiter line it is no delimiter by RFC 2046 (whose
+            // delimiter takes the CR LF before it): body data, no departure.
+            if (!malformed && hit != partStart) {
                 defects.add(MIME_DEFECT_DELIMITER_LINE_MALFORMED, hit, boundary);
-            malformed |= hit != partStart;
+                malformed = true;
+            }
             continue;
         }
         out.found = true;
