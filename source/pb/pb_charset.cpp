@@ -535,7 +535,7 @@ PB_STRING *pbCharsetToString(PB_CHARSET charset) noexcept
 PB_CHARSET pbCharsetFromString(PB_STRING *text) noexcept
 {
     PB_ASSERT( text );
-    return lookup(pbStringBacking(text), pbStringLength(text));
+    return pbCharsetFromIanaName(text);
 }
 
 PB_CHARSET pb___CharsetFromIanaNameChars(const PB_CHAR *chars, PB_INT count) noexcept
