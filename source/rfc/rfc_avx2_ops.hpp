@@ -289,6 +289,13 @@ struct Avx2Ops {
             _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i *>(in + 1)), _mm256_set1_epi8('\n'));
         return static_cast<uint32_t>(_mm256_movemask_epi8(_mm256_and_si256(cr, lf)));
     }
+    static uint64_t spaceBeforeCrLf(const uint8_t *in)
+    {
+        __m256i v = _mm256_loadu_si256(reinterpret_cast<const __m256i *>(in));
+        __m256i space =
+            _mm256_or_si256(_mm256_cmpeq_epi8(v, _mm256_set1_epi8(' ')), _mm256_cmpeq_epi8(v, _mm256_set1_epi8('\t')));
+        return static_cast<uint32_t>(_mm256_movemask_epi8(space)) & crLfStarts(in + 1);
+    }
     static void copyBlock(const uint8_t *in, uint8_t *out)
     {
         _mm256_storeu_si256(reinterpret_cast<__m256i *>(out),

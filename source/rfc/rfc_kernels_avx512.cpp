@@ -10,6 +10,9 @@
 #include <rfc/rfc_base64_driver.hpp>
 #include <rfc/rfc_quop_driver.hpp>
 
+#include <algorithm>
+#include <bit>
+
 namespace rfc {
 namespace {
 
@@ -154,62 +157,82 @@ struct Avx512Ops : Avx2Ops {
         return _mm512_cmpeq_epi8_mask(_mm512_loadu_si512(in), _mm512_set1_epi8('\r')) &
                _mm512_cmpeq_epi8_mask(_mm512_loadu_si512(in + 1), _mm512_set1_epi8('\n'));
     }
+    static uint64_t spaceBeforeCrLf(const uint8_t *in) { return space(_mm512_loadu_si512(in)) & crLfStarts(in + 1); }
     static void copyBlock(const uint8_t *in, uint8_t *out) { _mm512_storeu_si512(out, _mm512_loadu_si512(in)); }
 
-    // Encodes the block in[0, 64) at once (in[-1] and in[64] are read too) when
-    // every line in it fits in lineRoom columns and no space or tab stands
-    // before one of its CR LFs: returns the bytes taken (64, or 65 when its last
-    // byte starts a CR LF), or 0 when the block does not qualify (nothing is
-    // written then). Each group of 16 bytes becomes triples (the byte or "=",
-    // and two hex digits) that one compression cuts down to the text.
+    // Encodes the block in[0, 64) at once (in[64, 66) is read too) when every
+    // line in it fits, a space or tab before a CR LF escaped: returns the bytes
+    // taken (64, or 65 when its last byte starts a CR LF), or 0 when the block
+    // does not qualify (nothing is written then). The line the block continues
+    // is counted exactly (its last byte may fill it up to the column of a soft
+    // break's "="), the lines after it by their room.
     static size_t quopWholeBlock(const uint8_t *in, size_t lineRoom, uint8_t *out, size_t &length, size_t &column)
     {
         __m512i v = _mm512_loadu_si512(in);
-        uint64_t crLf = crLfStarts(in);
-        uint64_t escaped = quopStops(in) & ~crLf & ~(crLf << 1);
-        uint64_t spaceBefore = space(_mm512_loadu_si512(in - 1));
-        if (crLf & spaceBefore)
+        const uint64_t crLf = crLfStarts(in), lastOnLine = crLfStarts(in + 1);
+        const uint64_t escaped = (quopStops(in) & ~crLf & ~(crLf << 1)) | (space(v) & lastOnLine);
+        const size_t firstEnd = std::min<size_t>(static_cast<size_t>(_tzcnt_u64(crLf)), 64);
+        // Whether the line's last byte in the block ends it (the byte before firstEnd,
+        // after a rotation that also serves firstEnd 64; firstEnd 0 has no byte).
+        const uint64_t fills = std::rotl(lastOnLine, 1) >> (firstEnd & 63) & 1;
+        const size_t firstRoom = (column < lineRoom ? lineRoom - column : 0) + fills;
+        const size_t total = textBefore(escaped, 64),
+                     secondLine = textBefore(escaped, std::min<size_t>(firstEnd + 2, 64));
+        if (textBefore(escaped, firstEnd) > firstRoom ||
+            (total - secondLine > lineRoom && !laterLinesFit(escaped, crLf, lineRoom)))
             return 0;
-        // The column at the end of each line, and after the block.
-        size_t col = column, start = 0;
-        for (uint64_t ends = crLf; ends; ends &= ends - 1) {
-            size_t end = static_cast<size_t>(__builtin_ctzll(ends));
-            if (col + width(escaped, start, end) > lineRoom)
-                return 0;
-            col = 0;
-            start = end + 2;
-        }
-        if (start < 64) {
-            col += width(escaped, start, 64);
-            if (col > lineRoom)
-                return 0;
-        }
+        writeText(v, escaped, out + length);
+        length += total;
+        const size_t lineStart = static_cast<size_t>(64 - __builtin_clzll(crLf | 1)) + 1; // after the last CR LF
+        if (crLf)
+            column = total - textBefore(escaped, std::min<size_t>(lineStart, 64));
+        else
+            column += total;
+        if (lineStart == 65) // the LF of a CR LF that the block's last byte starts
+            out[length++] = '\n';
+        return lineStart == 65 ? 65 : 64;
+    }
+
+    // Writes the text of the block v, with room for 64 bytes more: each group of
+    // 16 bytes becomes triples (the byte or "=", and two hex digits) that one
+    // compression cuts down to the group's text.
+    static void writeText(__m512i v, uint64_t escaped, uint8_t *out)
+    {
         const __m512i digits =
             _mm512_broadcast_i32x4(_mm_loadu_si128(reinterpret_cast<const __m128i *>(tables::hexUpper.at)));
         __m512i high = _mm512_shuffle_epi8(digits, _mm512_and_si512(_mm512_srli_epi16(v, 4), _mm512_set1_epi8(15)));
         __m512i low = _mm512_shuffle_epi8(digits, _mm512_and_si512(v, _mm512_set1_epi8(15)));
         __m512i first = _mm512_mask_blend_epi8(escaped, v, _mm512_set1_epi8('='));
         constexpr uint64_t kFirsts = 0x249249249249; // bits 0, 3, ..., 45
-        for (int group = 0; group < 4; ++group) {
+        size_t at = 0;
+        for (size_t group = 0; group < 4; ++group) {
             const __m512i shift = _mm512_set1_epi8(static_cast<char>(16 * group));
             __m512i triples = _mm512_permutex2var_epi8(first, _mm512_add_epi8(tripleOrder(), shift), high);
             triples = _mm512_mask_permutexvar_epi8(triples, kFirsts << 2, _mm512_add_epi8(tripleOrder(), shift), low);
             uint64_t groupEscapes = escaped >> (16 * group) & 0xFFFF;
             uint64_t keep = kFirsts | _pdep_u64(groupEscapes, kFirsts << 1) | _pdep_u64(groupEscapes, kFirsts << 2);
-            _mm512_storeu_si512(out + length, _mm512_maskz_compress_epi8(keep, triples));
-            length += static_cast<size_t>(__builtin_popcountll(keep));
+            _mm512_storeu_si512(out + at, _mm512_maskz_compress_epi8(keep, triples));
+            at += static_cast<size_t>(__builtin_popcountll(keep));
         }
-        column = col;
-        if (start == 65) // the LF of a CR LF that the block's last byte starts
-            out[length++] = '\n';
-        return start == 65 ? 65 : 64;
     }
 
-    // The text width of in[from, to): one column per byte and two more per escape.
-    static size_t width(uint64_t escaped, size_t from, size_t to)
+    // The text written for in[0, to): one byte per byte and two more per escape.
+    static size_t textBefore(uint64_t escaped, size_t to)
     {
-        uint64_t span = (to == 64 ? ~uint64_t{0} : (uint64_t{1} << to) - 1) & ~((uint64_t{1} << from) - 1);
-        return to - from + 2 * static_cast<size_t>(__builtin_popcountll(escaped & span));
+        return to + 2 * static_cast<size_t>(__builtin_popcountll(_bzhi_u64(escaped, static_cast<unsigned>(to))));
+    }
+
+    // Whether every line that starts after a CR LF of the block fits in lineRoom.
+    static bool laterLinesFit(uint64_t escaped, uint64_t crLf, size_t lineRoom)
+    {
+        for (uint64_t ends = crLf; ends; ends &= ends - 1) {
+            size_t start = static_cast<size_t>(__builtin_ctzll(ends)) + 2;
+            uint64_t next = ends & (ends - 1);
+            size_t end = next ? static_cast<size_t>(__builtin_ctzll(next)) : 64;
+            if (start < end && textBefore(escaped, end) - textBefore(escaped, start) > lineRoom)
+                return false;
+        }
+        return true;
     }
 
     // Slot 3j takes byte j of the first source, 3j + 1 byte j of the second

@@ -8,11 +8,12 @@
 //   quopWholeBlock(in, lineRoom, out, length, column)
 //                                 encodes a block of 64 at once where its lines
 //                                 fit (see rfc_kernels_avx512.cpp), or returns 0
-//   kQuopBlock, quopStops(in), crLfStarts(in), copyBlock(in, out)
+//   kQuopBlock, quopStops(in), crLfStarts(in), spaceBeforeCrLf(in), copyBlock(in, out)
 //                                 a block width (32 or 64), the masks of the
 //                                 bytes of in[0, kQuopBlock) that copyLiteral
-//                                 stops at and of those that start a CR LF (the
-//                                 LF may be in[kQuopBlock]), and a copy of
+//                                 stops at, of those that start a CR LF (the
+//                                 LF may be in[kQuopBlock]) and of the spaces
+//                                 and tabs before one, and a copy of
 //                                 kQuopBlock bytes: the encoder then runs whole
 //                                 blocks (encodeBlocks below)
 //   decodeBlocks(in, n, i, out, o, kept)  decodes whole blocks from in[i] on for as
@@ -96,12 +97,12 @@ template <class Ops> size_t escapeCountWith(const uint8_t *in, size_t n)
 }
 
 // Encodes whole blocks from in[i] on. Each block is copied to the output at
-// once; at each stop (an escape or a CR LF) the escape or line break is written
-// in place and the rest of the block copied again behind it, and so is a soft
-// line break where a line fills up. Returns (advancing i and w exactly as the
-// loop below would) where the rule needs more than the block shows: a space or
-// tab before a CR LF, or a byte that fills a line and is the last before a CR
-// LF; and before the last two blocks of input, or where less than
+// once; at each stop (an escape, a space or tab before a CR LF, or a CR LF) the
+// escape or line break is written in place and the rest of the block copied
+// again behind it, and so is a soft line break where a line fills up. Returns
+// (advancing i and w exactly as the loop below would) where the rule needs more
+// than the block shows: at a byte that fills a line and is the last before a
+// CR LF; and before the last two blocks of input, or where less than
 // kQuopStepRoom of output room is left.
 template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, Writer &w, size_t outRoom)
 {
@@ -118,16 +119,15 @@ template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, W
     while (n - i > 2 * kBlock && outRoom - w.length >= kQuopStepRoom) {
         _mm_prefetch(reinterpret_cast<const char *>(in + i + kPrefetchAhead), _MM_HINT_T0);
         if constexpr (requires(size_t at) { Ops::quopWholeBlock(in, room, w.out, at, at); }) {
-            if (i > 0) {
-                if (size_t taken = Ops::quopWholeBlock(in + i, room, w.out, w.length, w.column)) {
-                    i += taken;
-                    continue;
-                }
+            if (size_t taken = Ops::quopWholeBlock(in + i, room, w.out, w.length, w.column)) {
+                i += taken;
+                continue;
             }
         }
         uint64_t hardBreaks = Ops::crLfStarts(in + i);
-        uint64_t stops = Ops::quopStops(in + i) & ~(hardBreaks << 1); // a CR LF is one stop
-        size_t pos = 0;                                               // in[i, i + pos) is written
+        // A CR LF is one stop, and so is a space or tab before one (it is escaped).
+        uint64_t stops = (Ops::quopStops(in + i) & ~(hardBreaks << 1)) | Ops::spaceBeforeCrLf(in + i);
+        size_t pos = 0; // in[i, i + pos) is written
         Ops::copyBlock(in + i, w.out + w.length);
         // The literals in[i + pos, i + end), already copied, with soft breaks
         // where lines fill up; false at a byte the loop below must place.
@@ -151,19 +151,12 @@ template <class Ops> void encodeBlocks(const uint8_t *in, size_t n, size_t &i, W
         };
         for (; stops; stops &= stops - 1) {
             size_t p = static_cast<size_t>(__builtin_ctzll(stops));
-            size_t run = p - pos;
             if (!literals(p)) {
                 i += pos;
                 return;
             }
             const bool hard = hardBreaks >> p & 1;
             if (hard) {
-                // The byte written last comes from the input when it was copied
-                // (a read of the output just stored a block at a time would wait).
-                if (w.column > 0 && isSpaceOrTab(run > 0 ? in[i + p - 1] : w.out[w.length - 1])) {
-                    i += p;
-                    return;
-                }
                 std::memcpy(w.out + w.length, "\r\n", 2);
                 w.length += 2;
                 w.column = 0;
