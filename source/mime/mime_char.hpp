@@ -64,6 +64,13 @@ constexpr bool is(PB_CHAR c, uint16_t classes)
     return c < 128 && (kClassTable.at[c] & classes) != 0;
 }
 
+// The value of an ASCII hexadecimal digit (either case), or -1.
+constexpr PB_INT hexValue(PB_CHAR c)
+{
+    const PB_CHAR lower = c | 0x20;
+    return c - '0' < 10u ? PB_INT(c - '0') : lower - 'a' < 6u ? PB_INT(lower - 'a' + 10) : -1;
+}
+
 // True when every code point of chars[0, n) is in one of classes.
 inline bool all(const PB_CHAR *chars, PB_INT n, uint16_t classes)
 {

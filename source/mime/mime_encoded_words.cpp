@@ -1,10 +1,10 @@
+#include <mime/mime_char.hpp>
 #include <mime/mime_charset_labels.hpp>
 #include <mime/mime_encoded_words.h>
 #include <mime/mime_small_vector.hpp>
 #include <pb/pb_buffer.h>
 #include <pb/pb_charset.h>
 #include <pb/pb_ref.hpp>
-#include <pb/pb_unicode.h>
 #include <rfc/rfc_base.h>
 
 namespace {
@@ -34,8 +34,8 @@ bool qBytes(const PB_CHAR *c, PB_INT n, Bytes &bytes)
         PB_INT high = -1, low = -1;
         if (c[i] == '_') {
             bytes.push_back(' ');
-        } else if (c[i] == '=' && i + 2 < n && (high = pbUnicodeHexadecimalDigitValue(c[i + 1])) >= 0 &&
-                   (low = pbUnicodeHexadecimalDigitValue(c[i + 2])) >= 0) {
+        } else if (c[i] == '=' && i + 2 < n && (high = mime::chars::hexValue(c[i + 1])) >= 0 &&
+                   (low = mime::chars::hexValue(c[i + 2])) >= 0) {
             bytes.push_back(static_cast<PB_BYTE>(high * 16 + low));
             i += 2;
         } else if (c[i] > 255) {

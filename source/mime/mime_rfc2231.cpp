@@ -10,7 +10,6 @@
 #include <pb/pb_int.h>
 #include <pb/pb_random.h>
 #include <pb/pb_ref.hpp>
-#include <pb/pb_unicode.h>
 #include <pb/pb_vector.h>
 
 #include <algorithm>
@@ -89,13 +88,13 @@ bool mime___Rfc2231DecodeValue(Span value, Bytes &bytes)
     size_t base = bytes.size();
     PB_BYTE *to = bytes.extend(static_cast<size_t>(n)), *start = to; // at most a byte per character
     for (PB_INT i = 0; i < n;) {
-        if (static_cast<PB_INT>(base) + (to - start) >= PB_BUFFER_MAX_LENGTH || c[i] > 255) {
+        if (c[i] > 255) {
             bytes.truncate(base);
             return false;
         }
         PB_INT high = -1, low = -1;
-        if (c[i] == '%' && i < n - 2 && (high = pbUnicodeHexadecimalDigitValue(c[i + 1])) >= 0 &&
-            (low = pbUnicodeHexadecimalDigitValue(c[i + 2])) >= 0) {
+        if (c[i] == '%' && i < n - 2 && (high = mime::chars::hexValue(c[i + 1])) >= 0 &&
+            (low = mime::chars::hexValue(c[i + 2])) >= 0) {
             *to++ = static_cast<PB_BYTE>(high * 16 + low);
             i += 3;
         } else {
@@ -103,8 +102,9 @@ bool mime___Rfc2231DecodeValue(Span value, Bytes &bytes)
             i += 1;
         }
     }
-    bytes.truncate(base + static_cast<size_t>(to - start));
-    return true;
+    const size_t length = base + static_cast<size_t>(to - start);
+    bytes.truncate(length > PB_BUFFER_MAX_LENGTH ? base : length);
+    return length <= PB_BUFFER_MAX_LENGTH;
 }
 
 // The text of bytes in charset, as a new string. Empties bytes.
@@ -179,8 +179,9 @@ bool segmentKey(Span key, SegmentKey &segment)
 // A walk through one continuation then reads its row in order.
 class Segments {
 public:
-    Segments(const Entry *entries, size_t count) : places_(count, Place{kNone, kNone})
+    Segments(const Entry *entries, size_t count)
     {
+        places_.assign(count, Place{kNone, kNone});
         SegmentKey key;
         for (size_t i = 0; i < count; ++i) {
             if (!segmentKey(entries[i].key, key))
@@ -290,10 +291,11 @@ private:
         size_t cell; // in the row; kNone: a number past every continuation's end
     };
 
-    mime::Vector<Place> places_; // per entry
-    mime::Vector<size_t> table_; // rows by name hash; kNone where empty
-    mime::Vector<Row> rows_;
-    mime::Vector<size_t> cells_; // per row: (1, plain), (1, encoded), (2, plain), ...
+    // Inline room for the parameters of an ordinary header value.
+    mime::SmallVector<Place, 16> places_; // per entry
+    mime::SmallVector<size_t, 16> table_; // rows by name hash; kNone where empty
+    mime::SmallVector<Row, 4> rows_;
+    mime::SmallVector<size_t, 16> cells_; // per row: (1, plain), (1, encoded), (2, plain), ...
 };
 
 // One index per key but the later segments', in key order: for equal keys the

@@ -42,9 +42,21 @@ public:
         if (count)
             std::memcpy(extend(count), items, count * sizeof(T));
     }
+    // count copies of value in place of the elements.
+    void assign(size_t count, const T &value)
+    {
+        size_ = 0;
+        for (T *at = extend(count), *end = at + count; at != end; ++at)
+            *at = value;
+    }
     T *data() { return data_; }
     const T *data() const { return data_; }
+    T &operator[](size_t i) { return data_[i]; }
+    const T &operator[](size_t i) const { return data_[i]; }
+    T *begin() { return data_; }
+    T *end() { return data_ + size_; }
     size_t size() const { return size_; }
+    bool empty() const { return size_ == 0; }
     // Keeps the first count elements (count <= size()).
     void truncate(size_t count) { size_ = count; }
     void clear() { size_ = 0; }
