@@ -8,6 +8,7 @@
 #include <pb/pb_ref.hpp>
 
 #include <algorithm>
+#include <cstring>
 
 namespace mime::parameters {
 
@@ -55,17 +56,22 @@ void Pieces::appendWord(PB_INT i, bool lower, Chars &out) const noexcept
     const PB_CHAR *c = chars_ + piece.start;
     PB_INT n = piece.length;
     size_t from = out.size();
-    if (piece.type != MIME_SHF_TOKEN_TYPE_QUOTED_STRING) {
-        out.append(c, static_cast<size_t>(n));
-    } else if (!piece.escaped) {
-        out.append(c + 1, static_cast<size_t>(n - 2));
-    } else {
+    if (piece.escaped) {
         PB_CHAR *to = out.extend(static_cast<size_t>(n - 2));
         out.truncate(from + static_cast<size_t>(shfUnescaped(c, n, to) - to));
+        c = out.data() + from; // lowered in place below
+        n = static_cast<PB_INT>(out.size() - from);
+        out.truncate(from);
+    } else if (piece.type == MIME_SHF_TOKEN_TYPE_QUOTED_STRING) {
+        c += 1;
+        n -= 2;
     }
+    PB_CHAR *to = out.extend(static_cast<size_t>(n));
     if (lower)
-        for (PB_CHAR *p = out.data() + from, *end = out.data() + out.size(); p != end; ++p)
-            *p += *p - 'A' < 26u ? 32 : 0;
+        for (PB_INT k = 0; k < n; ++k)
+            to[k] = c[k] + (c[k] - 'A' < 26u ? 32 : 0);
+    else if (to != c)
+        std::memcpy(to, c, static_cast<size_t>(n) * sizeof(PB_CHAR));
 }
 
 bool Pieces::plainAt(PB_INT i, PB_INT &start, PB_INT &length) const noexcept
