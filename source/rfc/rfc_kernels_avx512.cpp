@@ -10,9 +10,6 @@
 #include <rfc/rfc_base64_driver.hpp>
 #include <rfc/rfc_quop_driver.hpp>
 
-#include <algorithm>
-#include <bit>
-
 namespace rfc {
 namespace {
 
@@ -171,13 +168,12 @@ struct Avx512Ops : Avx2Ops {
         __m512i v = _mm512_loadu_si512(in);
         const uint64_t crLf = crLfStarts(in), lastOnLine = crLfStarts(in + 1);
         const uint64_t escaped = (quopStops(in) & ~crLf & ~(crLf << 1)) | (space(v) & lastOnLine);
-        const size_t firstEnd = std::min<size_t>(static_cast<size_t>(_tzcnt_u64(crLf)), 64);
+        const size_t firstEnd = atMost64(static_cast<size_t>(_tzcnt_u64(crLf)));
         // Whether the line's last byte in the block ends it (the byte before firstEnd,
         // after a rotation that also serves firstEnd 64; firstEnd 0 has no byte).
-        const uint64_t fills = std::rotl(lastOnLine, 1) >> (firstEnd & 63) & 1;
+        const uint64_t fills = (lastOnLine << 1 | lastOnLine >> 63) >> (firstEnd & 63) & 1;
         const size_t firstRoom = (column < lineRoom ? lineRoom - column : 0) + fills;
-        const size_t total = textBefore(escaped, 64),
-                     secondLine = textBefore(escaped, std::min<size_t>(firstEnd + 2, 64));
+        const size_t total = textBefore(escaped, 64), secondLine = textBefore(escaped, atMost64(firstEnd + 2));
         if (textBefore(escaped, firstEnd) > firstRoom ||
             (total - secondLine > lineRoom && !laterLinesFit(escaped, crLf, lineRoom)))
             return 0;
@@ -185,7 +181,7 @@ struct Avx512Ops : Avx2Ops {
         length += total;
         const size_t lineStart = static_cast<size_t>(64 - __builtin_clzll(crLf | 1)) + 1; // after the last CR LF
         if (crLf)
-            column = total - textBefore(escaped, std::min<size_t>(lineStart, 64));
+            column = total - textBefore(escaped, atMost64(lineStart));
         else
             column += total;
         if (lineStart == 65) // the LF of a CR LF that the block's last byte starts
@@ -215,6 +211,9 @@ struct Avx512Ops : Avx2Ops {
             at += static_cast<size_t>(__builtin_popcountll(keep));
         }
     }
+
+    // (Not std::min: this file uses no inline function of a library header.)
+    static size_t atMost64(size_t n) { return n < 64 ? n : 64; }
 
     // The text written for in[0, to): one byte per byte and two more per escape.
     static size_t textBefore(uint64_t escaped, size_t to)
