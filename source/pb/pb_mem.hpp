@@ -1,7 +1,8 @@
 // Internal: where blocks of memory come from (pb___MemAlloc): malloc below
-// 32 KiB, blocks of powers of two kept for reuse up to 2 MiB, their own
-// huge-page mappings from there on. Under AddressSanitizer
-// every block comes from malloc, so that the sanitizer guards all of them.
+// 32 KiB (up to 256 bytes through lists of the blocks that each thread frees),
+// blocks of powers of two kept for reuse up to 2 MiB, their own huge-page
+// mappings from there on. Under AddressSanitizer every block comes from malloc
+// as it is, so that the sanitizer guards all of them.
 #pragma once
 
 #include <pb/pb_types.h>

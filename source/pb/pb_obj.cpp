@@ -190,13 +190,7 @@ PB_OBJ *pb___ObjCreateWithTail(PB_INT size, PB_INT tail, const PB_SORT *sort) no
     PB_ASSERT( sort );
     PB_ASSERT( size >= (PB_INT)sizeof(PB_OBJ_HEADER) );
     PB_ASSERT( tail >= 0 && tail <= size - (PB_INT)sizeof(PB_OBJ_HEADER) );
-    // malloc and memset rather than calloc: small blocks then come from the
-    // allocator's per-thread cache, which calloc bypasses. (The empty asm keeps
-    // the compiler from fusing the two back into calloc.)
-    auto *header = static_cast<PB_OBJ_HEADER *>(pb::mem::isMalloced(size) ? std::malloc(static_cast<size_t>(size))
-                                                                          : pb___MemAlloc(size));
-    PB_ASSERT_MSG("out of memory", header);
-    __asm__ volatile("" : : "r"(header) : "memory");
+    auto *header = static_cast<PB_OBJ_HEADER *>(pb___MemAlloc(size));
     std::memset(header, 0, static_cast<size_t>(size - tail));
     header->kind = PB_OBJ_KIND_HEAP;
     header->sort = sort;
@@ -216,10 +210,7 @@ void pb___ObjFree(PB_OBJ *obj) noexcept
     // The free function poisoned the fields; poison the sort too, so that a use
     // after free faults at its first look at the sort instead of reading on.
     header->sort = pb::poison<const PB_SORT>();
-    if (pb::mem::isMalloced(header->size))
-        std::free(header);
-    else
-        pb___MemRelease(header, header->size);
+    pb___MemRelease(header, header->size);
     countLive(-1);
 }
 

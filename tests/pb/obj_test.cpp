@@ -103,13 +103,17 @@ TEST(Obj, StaticRecordsAreNeverCountedOrFreed)
 
 using ObjDeathTest = testing::Test;
 
-// Blocks on either side of the 2 MiB line and resized across it both ways keep
-// their bytes; a released large block comes back for the next of about its size.
+// Blocks on either side of the 256-byte and 2 MiB lines and resized across them
+// both ways keep their bytes; a released large block comes back for the next of
+// about its size.
 TEST(Mem, BlocksKeepTheirBytesWhenResized)
 {
     constexpr PB_INT kMiB = PB_INT{1} << 20;
-    const PB_INT sizes[][2] = {{100, 200},       {kMiB, 3 * kMiB}, {3 * kMiB, 9 * kMiB},
-                               {9 * kMiB, kMiB}, {5 * kMiB, 100},  {2 * kMiB, 2 * kMiB + 1}};
+    const PB_INT sizes[][2] = {{100, 200},           {20, 250},
+                               {250, 300},           {300, 17},
+                               {256, 257},           {kMiB, 3 * kMiB},
+                               {3 * kMiB, 9 * kMiB}, {9 * kMiB, kMiB},
+                               {5 * kMiB, 100},      {2 * kMiB, 2 * kMiB + 1}};
     for (const auto &[from, to] : sizes) {
         SCOPED_TRACE(testing::Message() << from << " -> " << to);
         auto *block = static_cast<unsigned char *>(pb___MemAlloc(from));
@@ -144,6 +148,23 @@ TEST(Mem, LatestFreedBlocksAreKept)
     void *again = pb___MemAlloc(25 * kMiB);
     EXPECT_EQ(again, blocks.back());
     pb___MemRelease(again, 25 * kMiB);
+}
+
+// A small block released comes back for the next block of its 16-byte size,
+// all of which it holds.
+TEST(Mem, SmallBlocksComeBackForTheirSize)
+{
+    if (!pb::mem::kMapsLargeBlocks)
+        GTEST_SKIP() << "every block comes from malloc in this build";
+    for (PB_INT bytes : {1, 16, 17, 200, 256}) {
+        void *block = pb___MemAlloc(bytes);
+        pb___MemRelease(block, bytes);
+        const PB_INT whole = (bytes + 15) / 16 * 16;
+        auto *again = static_cast<unsigned char *>(pb___MemAlloc(whole));
+        EXPECT_EQ(again, block) << bytes;
+        std::fill(again, again + whole, 1);
+        pb___MemRelease(again, whole);
+    }
 }
 
 TEST(ObjDeathTest, StandardFunctionsAbortWithTheirFamilyText)
