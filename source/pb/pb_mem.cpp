@@ -187,7 +187,7 @@ constinit MiddleBlocks middleBlocks;
 
 // Small blocks (object bodies, short strings, a dictionary's first nodes) that
 // a thread frees, kept for its next blocks of their size: a list for each 16
-// bytes of size up to 256, at most 32 blocks in each (70 KiB a thread), given
+// bytes of size up to 264, at most 32 blocks in each (70 KiB a thread), given
 // back to malloc when the thread ends. Values are made and freed by the
 // million, and malloc's own per-thread cache takes several times the
 // instructions per block.
@@ -195,8 +195,11 @@ class SmallBlocks {
 public:
     static constexpr PB_INT kMax = 256;
 
-    // The list of blocks of bytes (1 to kMax); its blocks hold 16 times its number.
-    static size_t classOf(PB_INT bytes) { return static_cast<size_t>(bytes + 15) >> 4; }
+    // The list of blocks of bytes (1 to kMax), and the bytes its blocks hold:
+    // 8, 24, 40 ... 264, what malloc's chunks of 16, 32, 48 ... hold, so that a
+    // block takes no more memory than malloc would give it.
+    static size_t classOf(PB_INT bytes) { return static_cast<size_t>(bytes + 7) >> 4; }
+    static size_t sizeOf(size_t c) { return (c << 4) + 8; }
 
     // A kept block of list c, or null.
     void *tryTake(size_t c) noexcept
@@ -217,7 +220,7 @@ public:
     // A new block for list c, from malloc.
     static void *made(size_t c) noexcept
     {
-        void *memory = std::malloc(c << 4);
+        void *memory = std::malloc(sizeOf(c));
         PB_ASSERT_MSG("out of memory", memory);
         return memory;
     }
