@@ -362,8 +362,10 @@ void *pb___MemResize(void *memory, PB_INT oldBytes, PB_INT newBytes) noexcept
         PB_ASSERT_MSG("out of memory", resized || newBytes == 0);
         return resized;
     }
-    if (from == Source::Middle && to == Source::Middle &&
-        MiddleBlocks::classOf(oldBytes) == MiddleBlocks::classOf(newBytes))
+    if ((from == Source::Middle && to == Source::Middle &&
+         MiddleBlocks::classOf(oldBytes) == MiddleBlocks::classOf(newBytes)) ||
+        (from == Source::Small && to == Source::Small &&
+         SmallBlocks::classOf(oldBytes) == SmallBlocks::classOf(newBytes)))
         return memory;
     if (from == Source::Mapping && to == Source::Mapping) {
         size_t mappedFrom = mappedSize(oldBytes), mappedTo = mappedSize(newBytes);

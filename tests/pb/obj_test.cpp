@@ -109,11 +109,17 @@ using ObjDeathTest = testing::Test;
 TEST(Mem, BlocksKeepTheirBytesWhenResized)
 {
     constexpr PB_INT kMiB = PB_INT{1} << 20;
-    const PB_INT sizes[][2] = {{100, 200},           {20, 250},
-                               {250, 300},           {300, 17},
-                               {256, 257},           {kMiB, 3 * kMiB},
-                               {3 * kMiB, 9 * kMiB}, {9 * kMiB, kMiB},
-                               {5 * kMiB, 100},      {2 * kMiB, 2 * kMiB + 1}};
+    const PB_INT sizes[][2] = {{100, 200},
+                               {20, 24},
+                               {20, 250},
+                               {250, 300},
+                               {300, 17},
+                               {256, 257},
+                               {kMiB, 3 * kMiB},
+                               {3 * kMiB, 9 * kMiB},
+                               {9 * kMiB, kMiB},
+                               {5 * kMiB, 100},
+                               {2 * kMiB, 2 * kMiB + 1}};
     for (const auto &[from, to] : sizes) {
         SCOPED_TRACE(testing::Message() << from << " -> " << to);
         auto *block = static_cast<unsigned char *>(pb___MemAlloc(from));
