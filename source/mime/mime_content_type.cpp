@@ -7,6 +7,8 @@
 #include <mime/mime_shf_token.hpp>
 #include <mime/mime_value_readers.hpp>
 
+#include <algorithm>
+
 using pb::adopt;
 using pb::Ref;
 namespace parameterized = mime::parameterized;
@@ -366,16 +368,15 @@ PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *m
     PB_ASSERT( contentType );
     PB_ASSERT( mo );
     Ref<PB_STRING> wire = adopt(mimeContentTypeNameToWireFormat(contentType->fields.label));
-    Ref<PB_VECTOR> parts = adopt(pbStringSplitChar(wire.get(), '/', -1));
-    PB_ASSERT( pbVectorLength( parts.get() ) == 2 );
+    const PB_CHAR *name = pbStringBacking(wire.get());
+    const PB_INT length = pbStringLength(wire.get());
+    const PB_INT slash = static_cast<PB_INT>(std::find(name, name + length, '/') - name);
+    PB_ASSERT( slash < length );
     mime::HeaderWriter writer(mimeOptionsWrapLineLength(mo), firstLineOffset);
-    for (PB_INT part = 0; part < 2; ++part) {
-        static const PB_CHAR slash = '/';
-        if (part == 1)
-            writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, &slash, 1);
-        Ref<PB_STRING> text = adopt(pbStringFrom(pbVectorObjAt(parts.get(), part)));
-        writer.piece(mime::shfRawValueType(pbStringBacking(text.get()), pbStringLength(text.get())), text.get());
-    }
+    writer.piece(mime::shfRawValueType(name, slash), name, slash);
+    writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, name + slash, 1);
+    const PB_CHAR *subtype = name + slash + 1;
+    writer.piece(mime::shfRawValueType(subtype, length - slash - 1), subtype, length - slash - 1);
     mime::parameters::write(writer, contentType->fields.parameters, mo);
     return writer.text();
 }
