@@ -105,10 +105,13 @@ namespace {
 // there too or, when they stand in the header value as they are, in the
 // value's own text (which is then not copied).
 struct Collected {
+    // Where a value's characters are: chars[value] on, text[value] on, or the
+    // pair's string (an escaped quoted string's, made at once).
+    enum class Home : uint8_t { Chars, Text, String };
     struct Pair {
         size_t key, keyLength, value, valueLength;
-        bool valueInText;  // value counts from text, not from chars
-        PB_STRING *string; // or the value is this string (an escaped quoted string's, made at once)
+        Home home;
+        PB_STRING *string; // Home::String only
     };
     Pieces::Chars chars;
     const PB_CHAR *text = nullptr;
@@ -129,19 +132,28 @@ struct Collected {
         const size_t keyLength = chars.size() - key;
         PB_INT start = 0, length = 0;
         if (valueIndex < 0) {
-            pairs.push_back({key, keyLength, 0, 0, false, nullptr});
+            pairs.push_back({key, keyLength, 0, 0, Home::Chars, nullptr});
         } else if (pieces.plainAt(valueIndex, start, length)) {
             text = pieces.chars();
-            pairs.push_back({key, keyLength, static_cast<size_t>(start), static_cast<size_t>(length), true, nullptr});
+            pairs.push_back(
+                {key, keyLength, static_cast<size_t>(start), static_cast<size_t>(length), Home::Text, nullptr});
         } else {
             PB_STRING *string = pieces.word(valueIndex, false);
-            pairs.push_back({key, keyLength, 0, static_cast<size_t>(pbStringLength(string)), false, string});
+            pairs.push_back({key, keyLength, 0, static_cast<size_t>(pbStringLength(string)), Home::String, string});
         }
     }
 
     const PB_CHAR *valueOf(const Pair &p) const
     {
-        return p.string ? pbStringBacking(p.string) : (p.valueInText ? text : chars.data()) + p.value;
+        switch (p.home) {
+        case Home::Chars:
+            return chars.data() + p.value;
+        case Home::Text:
+            return text + p.value;
+        case Home::String:
+            break;
+        }
+        return pbStringBacking(p.string);
     }
 
     // A key and a value given as text: a value in quotes loses them and its escapes.
@@ -160,14 +172,14 @@ struct Collected {
                 ++i; // a backslash takes the next character
             chars.push_back(value[i]);
         }
-        pairs.push_back({at, start - at, start, chars.size() - start, false, nullptr});
+        pairs.push_back({at, start - at, start, chars.size() - start, Home::Chars, nullptr});
     }
 
     void clear()
     {
         for (size_t i = 0; i < pairs.size(); ++i)
-            if (pairs.data()[i].string)
-                pbStringRelease(pairs.data()[i].string);
+            if (pairs[i].home == Home::String)
+                pbStringRelease(pairs[i].string);
         chars.clear();
         pairs.clear();
         rfc2231 = false;
@@ -202,7 +214,7 @@ struct Collected {
     PB_STRING *keyString(const Pair &p) const { return commonWords::string(chars.data() + p.key, p.keyLength); }
     PB_STRING *valueString(const Pair &p) const
     {
-        return p.string ? pbStringRetain(p.string) : commonWords::string(valueOf(p), p.valueLength);
+        return p.home == Home::String ? pbStringRetain(p.string) : commonWords::string(valueOf(p), p.valueLength);
     }
 };
 
