@@ -338,7 +338,7 @@ PB_STRING *mimeContentDispositionEncode(MIME_CONTENT_DISPOSITION *contentDisposi
     PB_ASSERT( mo );
     Ref<PB_STRING> wire = adopt(mimeContentDispositionTypeToWireFormat(contentDisposition->fields.label));
     mime::HeaderWriter writer(mimeOptionsWrapLineLength(mo), firstLineOffset);
-    writer.piece(mime::shfRawValueType(pbStringBacking(wire.get()), pbStringLength(wire.get())), wire.get());
+    writer.wireText(pbStringBacking(wire.get()), pbStringLength(wire.get()));
     mime::parameters::write(writer, contentDisposition->fields.parameters, mo);
     return writer.text();
 }

@@ -373,10 +373,9 @@ PB_STRING *mimeContentTypeEncode(MIME_CONTENT_TYPE *contentType, MIME_OPTIONS *m
     const PB_INT slash = static_cast<PB_INT>(std::find(name, name + length, '/') - name);
     PB_ASSERT( slash < length );
     mime::HeaderWriter writer(mimeOptionsWrapLineLength(mo), firstLineOffset);
-    writer.piece(mime::shfRawValueType(name, slash), name, slash);
+    writer.wireText(name, slash);
     writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, name + slash, 1);
-    const PB_CHAR *subtype = name + slash + 1;
-    writer.piece(mime::shfRawValueType(subtype, length - slash - 1), subtype, length - slash - 1);
+    writer.wireText(name + slash + 1, length - slash - 1);
     mime::parameters::write(writer, contentType->fields.parameters, mo);
     return writer.text();
 }

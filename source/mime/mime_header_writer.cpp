@@ -59,6 +59,11 @@ void HeaderWriter::piece(MIME_SHF_TOKEN_TYPE type, PB_STRING *raw) noexcept
     piece(type, pbStringBacking(raw), pbStringLength(raw));
 }
 
+void HeaderWriter::wireText(const PB_CHAR *raw, PB_INT length) noexcept
+{
+    piece(shfRawValueType(raw, length), raw, length);
+}
+
 void HeaderWriter::tokenOrQuotedString(const PB_CHAR *c, PB_INT n) noexcept
 {
     if (shfIsPlainToken(c, n))

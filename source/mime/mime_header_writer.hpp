@@ -22,6 +22,8 @@ public:
     // Appends a piece of wire text of the given type.
     void piece(MIME_SHF_TOKEN_TYPE type, const PB_CHAR *raw, PB_INT length) noexcept;
     void piece(MIME_SHF_TOKEN_TYPE type, PB_STRING *raw) noexcept;
+    // Appends wire text whose type is read from it (shfRawValueType).
+    void wireText(const PB_CHAR *raw, PB_INT length) noexcept;
     // Appends a token, or a quoted string with CR, quotation mark and backslash
     // escaped when the text is no token (as mimeShfTokenCreateTokenOrQuotedString).
     void tokenOrQuotedString(const PB_CHAR *text, PB_INT length) noexcept;

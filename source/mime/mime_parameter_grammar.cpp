@@ -354,7 +354,7 @@ void write(HeaderWriter &writer, PB_DICT *parameters, MIME_OPTIONS *mo) noexcept
             return;
         static const PB_CHAR semicolon = ';', equals = '=';
         ctx->writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, &semicolon, 1);
-        ctx->writer.piece(shfRawValueType(key.chars, key.length), key.chars, key.length);
+        ctx->writer.wireText(key.chars, key.length);
         ctx->writer.piece(MIME_SHF_TOKEN_TYPE_TSPECIAL, &equals, 1);
         ctx->writer.tokenOrQuotedString(value.chars, value.length);
     };
